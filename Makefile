@@ -1,0 +1,33 @@
+# make run   installs what is missing, builds and starts the program
+# make test  installs what is missing, builds and runs every test
+BUILD_DIR ?= build
+ASAN_DIR ?= build-asan
+JOBS ?= $(shell nproc)
+
+.PHONY: run test deps build bench format
+
+deps:
+	@bash scripts/install-deps.sh
+
+build: deps
+	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD_DIR) -j $(JOBS)
+
+run: build
+	@bash scripts/run.sh $(BUILD_DIR)
+
+# Every test of the full build, then the engine's tests once more under
+# AddressSanitizer and UndefinedBehaviorSanitizer.
+test: build
+	ctest --test-dir $(BUILD_DIR) --output-on-failure -j $(JOBS)
+	cmake -S . -B $(ASAN_DIR) -DCMAKE_BUILD_TYPE=Debug -DFELTHAWK_ENGINE_ONLY=ON \
+	    -DFELTHAWK_SANITIZE=ON
+	cmake --build $(ASAN_DIR) -j $(JOBS)
+	ctest --test-dir $(ASAN_DIR) --output-on-failure -j $(JOBS)
+
+bench: build
+	$(BUILD_DIR)/bench/felthawk_bench
+	bash bench/calc_batch_bench.sh $(BUILD_DIR)
+
+format:
+	find . -path ./build\* -prune -o \( -name '*.cpp' -o -name '*.h' \) -print | xargs clang-format -i

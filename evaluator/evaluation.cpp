@@ -1,0 +1,135 @@
+#include "evaluator/evaluation.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace felthawk {
+namespace {
+
+constexpr const char* kRowCaptions[kHandClassCount] = {
+    "Pair",  "Two Pair",   "Three Of A Kind", "Straight",
+    "Flush", "Full House", "Four Of A Kind",  "Straight Flush",
+};
+
+void AppendString(std::string& out, std::string_view text) {
+    out += '"';
+    for (char c : text) {
+        switch (c) {
+            case '"': out += "\\\""; break;
+            case '\\': out += "\\\\"; break;
+            case '\n': out += "\\n"; break;
+            case '\r': out += "\\r"; break;
+            case '\t': out += "\\t"; break;
+            default:
+                if (static_cast<unsigned char>(c) < 0x20) {
+                    char escaped[8];
+                    std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
+                    out += escaped;
+                } else {
+                    out += c;
+                }
+        }
+    }
+    out += '"';
+}
+
+template <class List>
+void AppendStringList(std::string& out, const List& items) {
+    out += '[';
+    bool first = true;
+    for (const auto& item : items) {
+        if (!first) out += ", ";
+        first = false;
+        AppendString(out, item);
+    }
+    out += ']';
+}
+
+void AppendNumber(std::string& out, double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.15g", value);
+    out += text;
+}
+
+}  // namespace
+
+Evaluator::Evaluator(bool explain) {
+    state_.trace.enabled = explain;
+    state_.showMessage = [this](const std::string& text) { result_.messages.push_back(text); };
+}
+
+const Evaluation& Evaluator::Evaluate(const TableInput& table) {
+    result_.messages.clear();
+    for (int seat = 0; seat < kSeatCount; ++seat) state_.gSeats[seat] = table.seats[seat];
+    result_.display = RecalculateHand(state_, table.cells);
+    result_.odds.assign(state_.gOdds.begin(), state_.gOdds.end());
+    if (state_.trace.enabled) result_.trace = state_.trace.Lines();
+    return result_;
+}
+
+void AppendJson(std::string& out, const TableInput& table, const Evaluation& result,
+                bool explain) {
+    const DisplayModel& display = result.display;
+    out += "{\"cells\": ";
+    AppendString(out, table.cellsText);
+    out += ", \"seats\": ";
+    AppendString(out, table.seatsText);
+    out += ", \"odds\": ";
+    AppendStringList(out, result.odds);
+    out += ", \"chances\": ";
+    AppendStringList(out, display.chances);
+    out += ", \"stage\": ";
+    out += std::to_string(display.stage);
+    out += ", \"strength\": ";
+    out += display.hasStrength ? std::to_string(display.strength) : "null";
+    out += ", \"me\": ";
+    AppendString(out, display.me);
+    out += ", \"suggestion\": ";
+    AppendString(out, display.suggestion);
+    out += ", \"gauge_x2\": ";
+    AppendNumber(out, display.gaugeX2);
+    out += ", \"messages\": ";
+    AppendStringList(out, result.messages);
+    if (explain) {
+        out += ", \"trace\": ";
+        AppendStringList(out, result.trace);
+    }
+    out += '}';
+}
+
+void AppendErrorJson(std::string& out, const std::string& message) {
+    out += "{\"error\": ";
+    AppendString(out, message);
+    out += '}';
+}
+
+std::string PrettyPanel(const TableInput& table, const Evaluation& result, bool explain) {
+    const DisplayModel& display = result.display;
+    std::string out;
+    out += "Cards       ";
+    for (int i = 0; i < kSlotCount; ++i) {
+        out += table.cells[i].empty() ? "--" : table.cells[i];
+        out += i == 1 || i == 4 || i == 5 ? "  " : " ";
+    }
+    out += "\nSeats       " + table.seatsText + "\n\n";
+    for (int i = 0; i < kHandClassCount; ++i) {
+        char row[64];
+        std::snprintf(row, sizeof row, "%-16s %s\n", kRowCaptions[i], display.chances[i].c_str());
+        out += row;
+    }
+    out += "\nMe >>       " + display.me + "\n";
+    out += "Suggestion  " + display.suggestion + "\n";
+
+    constexpr int kBarWidth = 30;
+    const double share = (display.gaugeX2 - kGaugeStartX) / kGaugeLength;
+    const int filled = static_cast<int>(std::lround(std::fmax(0.0, std::fmin(1.0, share)) * kBarWidth));
+    out += "Gauge       [" + std::string(filled, '#') + std::string(kBarWidth - filled, ' ') + "]\n";
+    for (const std::string& message : result.messages) out += "Message     " + message + "\n";
+    if (explain) {
+        out += "\nHow the figure came about:\n";
+        for (const std::string& line : result.trace) out += "  " + line + "\n";
+    }
+    return out;
+}
+
+}  // namespace felthawk

@@ -1,0 +1,7 @@
+#include "preflop/hand_search.h"
+
+namespace felthawk {
+
+void PostflopOdds(CalcState&, int16_t) {}
+
+}  // namespace felthawk

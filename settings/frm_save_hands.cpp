@@ -1,0 +1,94 @@
+#include "settings/frm_save_hands.h"
+
+#include <QListWidget>
+#include <QPushButton>
+
+#include "settings/dialogs.h"
+#include "settings/settings_store.h"
+
+namespace felthawk {
+
+namespace {
+
+// Form units are twips, 15 to a pixel.
+constexpr int Px(int twips) {
+    return twips / 15;
+}
+
+constexpr int kButtonWidth = 1215;
+constexpr int kButtonHeight = 375;
+
+}  // namespace
+
+frmSaveHands::frmSaveHands(IDialogs& dialogs, QWidget* parent)
+    : QDialog(parent),
+      dialogs_(dialogs),
+      lstSave_(new QListWidget(this)),
+      Command1_(new QPushButton(QStringLiteral("&Remove"), this)),
+      cmdOK_(new QPushButton(QStringLiteral("&Close"), this)) {
+    setObjectName(QStringLiteral("frmSaveHands"));
+    setWindowTitle(QStringLiteral("Save Hands"));
+    setFixedSize(Px(3120), Px(2880));
+
+    lstSave_->setObjectName(QStringLiteral("lstSave"));
+    lstSave_->setGeometry(Px(75), Px(75), Px(2880), Px(2205));
+    Command1_->setObjectName(QStringLiteral("Command1"));
+    Command1_->setGeometry(Px(90), Px(2385), Px(kButtonWidth), Px(kButtonHeight));
+    cmdOK_->setObjectName(QStringLiteral("cmdOK"));
+    cmdOK_->setGeometry(Px(2100), Px(2385), Px(kButtonWidth - 255), Px(kButtonHeight));
+
+    connect(Command1_, &QPushButton::clicked, this, &frmSaveHands::RemoveSelected);
+    connect(cmdOK_, &QPushButton::clicked, this, &QDialog::accept);
+
+    LoadHands();
+}
+
+void frmSaveHands::NewHand(const QString& joinedCells) {
+    const int count = lstSave_->count();
+    bool accepted = false;
+    // A cancelled box answers "", and the hand is kept with an empty name.
+    const QString name =
+        dialogs_.InputBox(parentWidget(), QStringLiteral("Enter an appropriate Handname"),
+                          QStringLiteral("Save Hand"), joinedCells, &accepted);
+    if (count < kMaxSavedHands) {
+        lstSave_->addItem(name + QLatin1Char(':') + joinedCells);
+        DeleteAllHands();
+        StoreHands();
+    } else {
+        dialogs_.MessageBox(parentWidget(),
+                            QStringLiteral("You have exceeded the limit, Please remove one Item "
+                                           "and try again"),
+                            QStringLiteral("Felthawk"), MessageIcon::Information);
+    }
+}
+
+void frmSaveHands::LoadHands() {
+    lstSave_->clear();
+    for (int place = 1; place <= kMaxSavedHands; ++place) {
+        QString hand = GetSavedHand(static_cast<uint8_t>(place));
+        if (!hand.isEmpty()) lstSave_->addItem(hand);
+    }
+}
+
+void frmSaveHands::DeleteAllHands() {
+    for (int place = 1; place <= kMaxSavedHands; ++place) {
+        DeleteSavedHand(static_cast<uint8_t>(place));
+    }
+}
+
+void frmSaveHands::StoreHands() {
+    for (int place = 1; place <= lstSave_->count(); ++place) {
+        PutSavedHand(lstSave_->item(place - 1)->text(), static_cast<uint8_t>(place));
+    }
+    LoadHands();
+}
+
+void frmSaveHands::RemoveSelected() {
+    QListWidgetItem* selected = lstSave_->currentItem();
+    if (selected == nullptr || !selected->isSelected()) return;
+    delete lstSave_->takeItem(lstSave_->row(selected));
+    DeleteAllHands();
+    StoreHands();
+}
+
+}  // namespace felthawk

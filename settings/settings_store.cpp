@@ -1,0 +1,118 @@
+#include "settings/settings_store.h"
+
+#include <QSettings>
+#include <QStringList>
+#include <QVariant>
+
+#include "cards/card_codes.h"
+#include "cards/runtime_fault.h"
+
+namespace felthawk {
+
+namespace {
+
+// How a stored text is read back.
+enum class SettingType {
+    Number,  // a positive whole number; anything else gives the default
+    Text,    // the text as it stands
+};
+
+enum class Setting { Transparency, Mouse, SavedHand };
+
+struct SettingSpec {
+    Setting id;
+    const char* key;  // the saved hands append their place 1..10
+    SettingType type;
+    const char* fallback;
+};
+
+constexpr SettingSpec kSettingsTable[] = {
+    {Setting::Transparency, "MTRANS", SettingType::Number, "80"},
+    {Setting::Mouse, "MOUSE", SettingType::Text, "LEFT"},
+    {Setting::SavedHand, "HAND", SettingType::Text, ""},
+};
+
+constexpr const SettingSpec& Spec(Setting id) {
+    for (const SettingSpec& spec : kSettingsTable) {
+        if (spec.id == id) return spec;
+    }
+    throw std::logic_error("setting missing from the table");
+}
+
+constexpr const char* kLeft = "LEFT";
+constexpr const char* kRight = "RIGHT";
+
+class Store {
+  public:
+    Store() : settings_("FELTHAWK", "FELTHAWK") { settings_.beginGroup("SETTINGS"); }
+
+    QString Read(const SettingSpec& spec, const QString& key) const {
+        QVariant value = settings_.value(key);
+        if (!value.isValid()) return QString::fromLatin1(spec.fallback);
+        // A text with commas that was written by hand, unquoted, comes back
+        // as a list; put the commas back rather than lose the text.
+        if (value.typeId() == QMetaType::QStringList) return value.toStringList().join(',');
+        return value.toString();
+    }
+    QString Read(const SettingSpec& spec) const {
+        return Read(spec, QString::fromLatin1(spec.key));
+    }
+
+    void Write(const QString& key, const QString& text) { settings_.setValue(key, text); }
+    void Remove(const QString& key) { settings_.remove(key); }
+
+  private:
+    QSettings settings_;
+};
+
+QString HandKey(uint8_t place) {
+    return QString::fromLatin1(Spec(Setting::SavedHand).key) + QString::number(place);
+}
+
+// A positive whole number from a stored text, read the way the runtime reads
+// numbers ("150", " 150", "150abc"), halves to even; the default for no
+// number, 0, a negative number or one too large for the setting.
+int16_t ReadNumber(const SettingSpec& spec, const QString& text) {
+    const auto fallback = static_cast<int16_t>(QString::fromLatin1(spec.fallback).toInt());
+    double value = Val(text.toStdString());
+    if (!(value > 0)) return fallback;
+    try {
+        return ToInt16(value);
+    } catch (const RuntimeFault&) {
+        return fallback;
+    }
+}
+
+}  // namespace
+
+FelthawkSettings GetFelthawkSettings() {
+    Store store;
+    FelthawkSettings settings;
+    const SettingSpec& transparency = Spec(Setting::Transparency);
+    static_assert(Spec(Setting::Transparency).type == SettingType::Number);
+    settings.transparency = ReadNumber(transparency, store.Read(transparency));
+    settings.leftMouse = store.Read(Spec(Setting::Mouse)) == QLatin1String(kLeft);
+    return settings;
+}
+
+void SetFelthawksettings(const FelthawkSettings& settings) {
+    Store store;
+    store.Write(QString::fromLatin1(Spec(Setting::Transparency).key),
+                QString::number(settings.transparency));
+    store.Write(QString::fromLatin1(Spec(Setting::Mouse).key),
+                QString::fromLatin1(settings.leftMouse ? kLeft : kRight));
+}
+
+QString GetSavedHand(uint8_t place) {
+    return Store().Read(Spec(Setting::SavedHand), HandKey(place));
+}
+
+void PutSavedHand(const QString& text, uint8_t place) {
+    Store().Write(HandKey(place), text);
+}
+
+void DeleteSavedHand(uint8_t place) {
+    Store().Remove(HandKey(place));
+}
+
+}  // namespace felthawk

@@ -12,7 +12,7 @@ namespace felthawk {
 enum class MessageIcon { None, Information, Question, Warning, Critical };
 
 class IDialogs {
-  public:
+public:
     virtual ~IDialogs() = default;
     // An input box. `accepted` is false when the user cancelled; the answer
     // is then "".
@@ -27,7 +27,7 @@ class IDialogs {
 
 // The real dialogs: QInputDialog and QMessageBox, modal.
 class QtDialogs : public IDialogs {
-  public:
+public:
     QString InputBox(QWidget* parent, const QString& prompt, const QString& title,
                      const QString& defaultAnswer, bool* accepted) override;
     void MessageBox(QWidget* parent, const QString& text, const QString& title,

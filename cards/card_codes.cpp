@@ -7,22 +7,33 @@ namespace felthawk {
 
 int SuitBaseOfLetter(char letter) {
     switch (letter) {
-        case 'C': return kClubsBase;
-        case 'S': return kSpadesBase;
-        case 'H': return kHeartsBase;
-        case 'D': return kDiamondsBase;
-        default: return -1;
+        case 'C':
+            return kClubsBase;
+        case 'S':
+            return kSpadesBase;
+        case 'H':
+            return kHeartsBase;
+        case 'D':
+            return kDiamondsBase;
+        default:
+            return -1;
     }
 }
 
 std::string RankToLetter(long rank) {
     switch (rank) {
-        case 14: return "A";
-        case 13: return "K";
-        case 12: return "Q";
-        case 11: return "J";
-        case 10: return "T";
-        default: break;
+        case 14:
+            return "A";
+        case 13:
+            return "K";
+        case 12:
+            return "Q";
+        case 11:
+            return "J";
+        case 10:
+            return "T";
+        default:
+            break;
     }
     if (rank > 14) return "";
     return std::to_string(rank);

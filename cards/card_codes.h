@@ -35,9 +35,13 @@ constexpr int16_t SuitBase(long card) {
 }
 
 // Suit index 0 clubs, 1 spades, 2 hearts, 3 diamonds (0 also for no card).
-constexpr int SuitIndex(long card) { return SuitBase(card) / 100; }
+constexpr int SuitIndex(long card) {
+    return SuitBase(card) / 100;
+}
 
-constexpr int RankOf(long card) { return static_cast<int>(card % 100); }
+constexpr int RankOf(long card) {
+    return static_cast<int>(card % 100);
+}
 
 // The suit base of a suit letter "C", "S", "H", "D"; -1 for anything else.
 int SuitBaseOfLetter(char letter);

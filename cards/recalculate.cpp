@@ -9,7 +9,7 @@
 namespace felthawk {
 namespace {
 
-constexpr int kStartingHandColumn = 9;   // the figure against nine opponents
+constexpr int kStartingHandColumn = 9;     // the figure against nine opponents
 constexpr int16_t kPreFlopFullScale = 31;  // the best column-9 figure, rounded
 constexpr int16_t kStrengthFullScale = 100;
 
@@ -24,7 +24,9 @@ void Step(CalcState& state, Statement&& statement) {
     }
 }
 
-std::string PercentCaption(long whole) { return std::to_string(whole) + " %"; }
+std::string PercentCaption(long whole) {
+    return std::to_string(whole) + " %";
+}
 
 void ShowSuggestion(DisplayModel& display, long score, int stage) {
     const uint8_t byteScore = ToByte(score);
@@ -104,11 +106,20 @@ DisplayModel RecalculateHand(CalcState& state, const TextCells& mCards) {
     display.stage = ChooseStage(mCards);
     state.trace.Note("stage ", display.stage);
     switch (display.stage) {
-        case kPreFlopStage: PreFlopStage(state, display); break;
-        case kFlopStage: PostFlopStage(state, display, CalcFlopStrength); break;
-        case kTurnStage: PostFlopStage(state, display, CalcTurnStrength); break;
-        case kRiverStage: PostFlopStage(state, display, CalcRiverStrength); break;
-        default: break;
+        case kPreFlopStage:
+            PreFlopStage(state, display);
+            break;
+        case kFlopStage:
+            PostFlopStage(state, display, CalcFlopStrength);
+            break;
+        case kTurnStage:
+            PostFlopStage(state, display, CalcTurnStrength);
+            break;
+        case kRiverStage:
+            PostFlopStage(state, display, CalcRiverStrength);
+            break;
+        default:
+            break;
     }
     return display;
 }

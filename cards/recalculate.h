@@ -26,9 +26,9 @@ enum Stage : int {
 // What the board shows after a recalculation.
 struct DisplayModel {
     std::array<std::string, kHandClassCount> chances;  // the lP captions
-    std::string me;                                      // l_Me
-    std::string suggestion;                              // lblSuggestion
-    double gaugeX2 = kGaugeStartX;                       // X2 of l_Temp, twips
+    std::string me;                                    // l_Me
+    std::string suggestion;                            // lblSuggestion
+    double gaugeX2 = kGaugeStartX;                     // X2 of l_Temp, twips
     int stage = kNoStage;
     // The whole number that l_Me shows, when it shows one.
     bool hasStrength = false;

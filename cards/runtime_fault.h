@@ -20,13 +20,13 @@
 namespace felthawk {
 
 class RuntimeFault : public std::runtime_error {
-public:
+  public:
     enum class Kind { Subscript, Overflow, DivisionByZero };
 
     RuntimeFault(Kind kind, const std::string& what) : std::runtime_error(what), kind_(kind) {}
     Kind kind() const { return kind_; }
 
-private:
+  private:
     Kind kind_;
 };
 
@@ -37,7 +37,9 @@ private:
 // neighbour (12.5 -> 12, 13.5 -> 14).
 // The program never changes the floating-point rounding mode, so nearbyint
 // rounds to nearest with ties to even.
-inline double RoundHalfEven(double value) { return std::nearbyint(value); }
+inline double RoundHalfEven(double value) {
+    return std::nearbyint(value);
+}
 
 // Assignment to a signed 16-bit variable.
 inline int16_t ToInt16(double value) {
@@ -49,7 +51,9 @@ inline int16_t ToInt16(long value) {
     if (value < -32768 || value > 32767) RaiseOverflowFault("Integer", static_cast<double>(value));
     return static_cast<int16_t>(value);
 }
-inline int16_t ToInt16(int value) { return ToInt16(static_cast<long>(value)); }
+inline int16_t ToInt16(int value) {
+    return ToInt16(static_cast<long>(value));
+}
 
 // Passing a value to an unsigned byte parameter.
 inline uint8_t ToByte(double value) {
@@ -61,7 +65,9 @@ inline uint8_t ToByte(long value) {
     if (value < 0 || value > 255) RaiseOverflowFault("Byte", static_cast<double>(value));
     return static_cast<uint8_t>(value);
 }
-inline uint8_t ToByte(int value) { return ToByte(static_cast<long>(value)); }
+inline uint8_t ToByte(int value) {
+    return ToByte(static_cast<long>(value));
+}
 
 // A fixed array with declared bounds Lower..Upper, both inclusive, as the
 // rules declare them ("0 To 14"). Reading or writing outside raises a
@@ -70,7 +76,7 @@ template <class T, int Lower, int Upper>
 class FixedArray {
     static_assert(Lower <= Upper);
 
-public:
+  public:
     static constexpr int kLower = Lower;
     static constexpr int kUpper = Upper;
     static constexpr int kSize = Upper - Lower + 1;
@@ -93,7 +99,7 @@ public:
     auto begin() const { return items_.begin(); }
     auto end() const { return items_.end(); }
 
-private:
+  private:
     std::array<T, kSize> items_{};
 };
 
@@ -101,7 +107,7 @@ private:
 // current size raise a subscript fault.
 template <class T>
 class GrowingList {
-public:
+  public:
     T& operator[](long index) {
         if (index < 0 || index >= Size()) RaiseSubscriptFault(index, 0, Size() - 1);
         return items_[static_cast<std::size_t>(index)];
@@ -119,7 +125,7 @@ public:
     auto begin() const { return items_.begin(); }
     auto end() const { return items_.end(); }
 
-private:
+  private:
     std::vector<T> items_;
 };
 

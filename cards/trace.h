@@ -10,7 +10,7 @@
 namespace felthawk {
 
 class Trace {
-public:
+  public:
     bool enabled = false;
 
     template <class... Parts>
@@ -24,7 +24,7 @@ public:
     void Clear() { lines_.clear(); }
     const std::vector<std::string>& Lines() const { return lines_; }
 
-private:
+  private:
     std::vector<std::string> lines_;
 };
 

@@ -15,11 +15,21 @@ void AppendString(std::string& out, std::string_view text) {
     out += '"';
     for (char c : text) {
         switch (c) {
-            case '"': out += "\\\""; break;
-            case '\\': out += "\\\\"; break;
-            case '\n': out += "\\n"; break;
-            case '\r': out += "\\r"; break;
-            case '\t': out += "\\t"; break;
+            case '"':
+                out += "\\\"";
+                break;
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
             default:
                 if (static_cast<unsigned char>(c) < 0x20) {
                     char escaped[8];
@@ -67,8 +77,7 @@ const Evaluation& Evaluator::Evaluate(const TableInput& table) {
     return result_;
 }
 
-void AppendJson(std::string& out, const TableInput& table, const Evaluation& result,
-                bool explain) {
+void AppendJson(std::string& out, const TableInput& table, const Evaluation& result, bool explain) {
     const DisplayModel& display = result.display;
     out += "{\"cells\": ";
     AppendString(out, table.cellsText);
@@ -122,8 +131,10 @@ std::string PrettyPanel(const TableInput& table, const Evaluation& result, bool 
 
     constexpr int kBarWidth = 30;
     const double share = (display.gaugeX2 - kGaugeStartX) / kGaugeLength;
-    const int filled = static_cast<int>(std::lround(std::fmax(0.0, std::fmin(1.0, share)) * kBarWidth));
-    out += "Gauge       [" + std::string(filled, '#') + std::string(kBarWidth - filled, ' ') + "]\n";
+    const int filled =
+        static_cast<int>(std::lround(std::fmax(0.0, std::fmin(1.0, share)) * kBarWidth));
+    out +=
+        "Gauge       [" + std::string(filled, '#') + std::string(kBarWidth - filled, ' ') + "]\n";
     for (const std::string& message : result.messages) out += "Message     " + message + "\n";
     if (explain) {
         out += "\nHow the figure came about:\n";

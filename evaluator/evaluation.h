@@ -19,18 +19,17 @@ struct Evaluation {
 
 // Evaluates on a state that the caller keeps, so that a batch reuses it.
 class Evaluator {
-public:
+  public:
     explicit Evaluator(bool explain);
     const Evaluation& Evaluate(const TableInput& table);
 
-private:
+  private:
     CalcState state_;
     Evaluation result_;
 };
 
 // Appends the JSON line (without the newline) to `out`.
-void AppendJson(std::string& out, const TableInput& table, const Evaluation& result,
-                bool explain);
+void AppendJson(std::string& out, const TableInput& table, const Evaluation& result, bool explain);
 void AppendErrorJson(std::string& out, const std::string& message);
 
 std::string PrettyPanel(const TableInput& table, const Evaluation& result, bool explain);

@@ -22,7 +22,7 @@ struct RunRow {
 };
 
 class RunTable {
-public:
+  public:
     explicit RunTable(const FixedArray<int16_t, 0, 14>& counts) {
         int16_t hi = 0;
         int i = 2;
@@ -80,7 +80,7 @@ public:
         return gap;
     }
 
-private:
+  private:
     std::array<RunRow, 8> rows_{};
     int size_ = 0;
 };
@@ -147,7 +147,9 @@ void UsualWrite(CalcState& state, int cell, long outs, long unknown) {
     }
 }
 
-int16_t Unknown(const CalcState& state) { return state.gRankCount[0]; }
+int16_t Unknown(const CalcState& state) {
+    return state.gRankCount[0];
+}
 
 void AddOut(CalcState& state, long card) {
     if (card != 0) state.gOuts.Append(ToInt16(card));
@@ -323,7 +325,8 @@ void StraightOdds(CalcState& state) {
     bool made = false;
     for (int i = 2; i <= 10; ++i) {
         bool allSingle = true;
-        for (int rank = i; rank <= i + 4; ++rank) allSingle = allSingle && state.gRankCount[rank] == 1;
+        for (int rank = i; rank <= i + 4; ++rank)
+            allSingle = allSingle && state.gRankCount[rank] == 1;
         made = made || allSingle;
     }
 
@@ -436,9 +439,9 @@ void FullHouseOdds(CalcState& state) {
         state.gOdds[kThreeOfAKind].clear();
     } else if (pairs >= 2 && trips == 0) {
         // One card to come is the figure on the river too.
-        WriteChance(state, kFullHouse,
-                    unknown == 2 ? ChanceTwoCards(ToByte(pairs * 2))
-                                 : ChanceOneCard(ToByte(pairs * 2)));
+        WriteChance(
+            state, kFullHouse,
+            unknown == 2 ? ChanceTwoCards(ToByte(pairs * 2)) : ChanceOneCard(ToByte(pairs * 2)));
     } else if (pairs == 0 && trips == 1) {
         constexpr double kSetBonus = 4;  // the designers' lift for a set
         WriteChance(state, kFullHouse,
@@ -464,7 +467,8 @@ void FourOfAKindOdds(CalcState& state) {
             for (int s = 0; s <= 3; ++s) {
                 const long card = rank + 100L * s;
                 bool held = false;
-                for (int slot = 0; slot < kSlotCount; ++slot) held = held || state.gCards[slot] == card;
+                for (int slot = 0; slot < kSlotCount; ++slot)
+                    held = held || state.gCards[slot] == card;
                 if (!held) {
                     AddOut(state, card);
                     break;

@@ -17,7 +17,7 @@ TEST(CardCodes, SuitBaseKeepsZeroForNoCard) {
     const struct {
         long card;
         int16_t base;
-    } cases[] = {{2, 1},    {14, 1},   {1, 0},    {15, 0},   {101, 0}, {0, 0},
+    } cases[] = {{2, 1},     {14, 1},    {1, 0},     {15, 0},    {101, 0}, {0, 0},
                  {102, 100}, {214, 200}, {302, 300}, {314, 300}, {315, 0}, {-2, 0}};
     for (const auto& c : cases) EXPECT_EQ(SuitBase(c.card), c.base) << c.card;
 }

@@ -1,7 +1,6 @@
 #include "cards/card_codes.h"
 
 #include <cctype>
-#include <cstdlib>
 
 namespace felthawk {
 
@@ -40,23 +39,29 @@ std::string RankToLetter(long rank) {
 }
 
 double Val(std::string_view text) {
-    std::string digits;
     std::size_t i = 0;
     while (i < text.size() && (text[i] == ' ' || text[i] == '\t')) ++i;
-    if (i < text.size() && (text[i] == '-' || text[i] == '+')) digits += text[i++];
-    bool seenPoint = false;
+    double sign = 1.0;
+    if (i < text.size() && (text[i] == '-' || text[i] == '+')) sign = text[i++] == '-' ? -1.0 : 1.0;
+    // Digits, with blanks inside the number skipped, and one decimal point.
+    double value = 0.0;
+    double scale = 0.0;  // 0 before the point, then 0.1, 0.01, ...
     for (; i < text.size(); ++i) {
-        char c = text[i];
+        const char c = text[i];
         if (std::isdigit(static_cast<unsigned char>(c))) {
-            digits += c;
-        } else if (c == '.' && !seenPoint) {
-            seenPoint = true;
-            digits += c;
+            if (scale == 0.0) {
+                value = value * 10.0 + (c - '0');
+            } else {
+                value += (c - '0') * scale;
+                scale /= 10.0;
+            }
+        } else if (c == '.' && scale == 0.0) {
+            scale = 0.1;
         } else if (c != ' ') {
             break;
         }
     }
-    return digits.empty() ? 0.0 : std::strtod(digits.c_str(), nullptr);
+    return sign * value;
 }
 
 int RankFromLetter(std::string_view text) {

@@ -1,5 +1,6 @@
 #include "evaluator/evaluation.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -11,9 +12,16 @@ constexpr const char* kRowCaptions[kHandClassCount] = {
     "Flush", "Full House", "Four Of A Kind",  "Straight Flush",
 };
 
+bool NeedsEscape(char c) {
+    return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20;
+}
+
 void AppendString(std::string& out, std::string_view text) {
     out += '"';
-    for (char c : text) {
+    std::size_t plain = 0;
+    while (plain < text.size() && !NeedsEscape(text[plain])) ++plain;
+    out.append(text.substr(0, plain));
+    for (char c : text.substr(plain)) {
         switch (c) {
             case '"':
                 out += "\\\"";
@@ -57,8 +65,8 @@ void AppendStringList(std::string& out, const List& items) {
 
 void AppendNumber(std::string& out, double value) {
     char text[32];
-    std::snprintf(text, sizeof text, "%.15g", value);
-    out += text;
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 15);
+    out.append(text, end.ptr);
 }
 
 }  // namespace

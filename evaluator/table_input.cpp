@@ -1,21 +1,21 @@
 #include "evaluator/table_input.h"
 
-#include <vector>
-
 namespace felthawk {
 namespace {
 
-std::vector<std::string_view> SplitCells(std::string_view text) {
-    std::vector<std::string_view> parts;
+// Splits at commas into at most kSlotCount parts; returns the number of
+// parts the text really has.
+std::size_t SplitCells(std::string_view text, std::array<std::string_view, kSlotCount>& parts) {
+    std::size_t count = 0;
     std::size_t start = 0;
     while (true) {
-        std::size_t comma = text.find(',', start);
-        parts.push_back(
-            text.substr(start, comma == std::string_view::npos ? comma : comma - start));
-        if (comma == std::string_view::npos) break;
+        const std::size_t comma = text.find(',', start);
+        const std::size_t end = comma == std::string_view::npos ? text.size() : comma;
+        if (count < parts.size()) parts[count] = text.substr(start, end - start);
+        ++count;
+        if (comma == std::string_view::npos) return count;
         start = comma + 1;
     }
-    return parts;
 }
 
 bool IsBlank(char c) {
@@ -30,9 +30,10 @@ std::optional<TableInput> ParseTable(std::string_view cells, std::string_view se
     table.cellsText = cells;
     table.seatsText = seats;
 
-    const std::vector<std::string_view> parts = SplitCells(cells);
-    if (parts.size() != kSlotCount) {
-        error = "cells: expected 7 comma-separated cells, got " + std::to_string(parts.size());
+    std::array<std::string_view, kSlotCount> parts;
+    const std::size_t count = SplitCells(cells, parts);
+    if (count != kSlotCount) {
+        error = "cells: expected 7 comma-separated cells, got " + std::to_string(count);
         return std::nullopt;
     }
     for (int i = 0; i < kSlotCount; ++i) {
@@ -68,23 +69,26 @@ std::optional<TableInput> ParseTable(std::string_view cells, std::string_view se
 }
 
 std::optional<TableInput> ParseBatchLine(std::string_view line, std::string& error) {
-    std::vector<std::string_view> words;
+    std::array<std::string_view, 2> words;
+    std::size_t count = 0;
     std::size_t i = 0;
     while (i < line.size()) {
         while (i < line.size() && IsBlank(line[i])) ++i;
-        std::size_t start = i;
+        const std::size_t start = i;
         while (i < line.size() && !IsBlank(line[i])) ++i;
-        if (i > start) words.push_back(line.substr(start, i - start));
+        if (i == start) continue;
+        if (count < words.size()) words[count] = line.substr(start, i - start);
+        ++count;
     }
-    if (words.empty()) {
+    if (count == 0) {
         error = "empty line: expected <cells> <seats>";
         return std::nullopt;
     }
-    if (words.size() > 2) {
-        error = "expected <cells> <seats>, got " + std::to_string(words.size()) + " words";
+    if (count > 2) {
+        error = "expected <cells> <seats>, got " + std::to_string(count) + " words";
         return std::nullopt;
     }
-    return ParseTable(words[0], words.size() == 2 ? words[1] : kDefaultSeats, error);
+    return ParseTable(words[0], count == 2 ? words[1] : kDefaultSeats, error);
 }
 
 }  // namespace felthawk

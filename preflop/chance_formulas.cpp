@@ -1,6 +1,6 @@
 #include "preflop/chance_formulas.h"
 
-#include <cstdio>
+#include <charconv>
 
 #include "cards/runtime_fault.h"
 
@@ -27,8 +27,9 @@ double ChanceBoth(uint8_t a, uint8_t b) {
 
 std::string ChanceText(double chance) {
     char text[32];
-    std::snprintf(text, sizeof text, "%.15g", chance);
-    return text;
+    const auto end =
+        std::to_chars(text, text + sizeof text, chance, std::chars_format::general, 15);
+    return std::string(text, end.ptr);
 }
 
 }  // namespace felthawk

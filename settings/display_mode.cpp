@@ -27,6 +27,11 @@ Reply<T> Own(T* reply, xcb_generic_error_t* error) {
 
 // The refresh asked for when none is given: the usual rate of a desktop.
 constexpr int16_t kUsualFrequency = 60;
+// The rate reported when the timings do not tell (virtual screens have
+// none). It must not be 0: a mode noted with frequency 0 would not count as
+// a full mode to restore. 1 stands for the default rate, as on other
+// platforms, and asks for no particular rate.
+constexpr int16_t kDefaultFrequency = 1;
 
 // Refresh rate of a mode in whole Hz, 0 when the timings do not tell.
 int16_t RefreshOf(const xcb_randr_mode_info_t& mode) {
@@ -195,7 +200,7 @@ std::optional<DisplayMode> XRandrDisplayModes::Current() {
     return DisplayMode{static_cast<int16_t>(active->crtcInfo->width),
                        static_cast<int16_t>(active->crtcInfo->height),
                        static_cast<int16_t>(connection_->screen->root_depth),
-                       mode ? RefreshOf(*mode) : int16_t{0}};
+                       mode && RefreshOf(*mode) != 0 ? RefreshOf(*mode) : kDefaultFrequency};
 }
 
 bool XRandrDisplayModes::Apply(const DisplayMode& wanted) {
@@ -206,7 +211,8 @@ bool XRandrDisplayModes::Apply(const DisplayMode& wanted) {
 
     // The mode of the asked size whose refresh lies nearest the asked one.
     // The depth is not the mode's to choose: it is the root visual's.
-    const int16_t frequency = wanted.frequency != 0 ? wanted.frequency : kUsualFrequency;
+    const int16_t frequency =
+        wanted.frequency > kDefaultFrequency ? wanted.frequency : kUsualFrequency;
     const xcb_randr_mode_t* ids = xcb_randr_get_output_info_modes(output.get());
     const int idCount = xcb_randr_get_output_info_modes_length(output.get());
     const xcb_randr_mode_info_t* chosen = nullptr;

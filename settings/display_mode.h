@@ -16,7 +16,7 @@ struct DisplayMode {
     int16_t width = 0;
     int16_t height = 0;
     int16_t depth = 0;      // bits per pixel
-    int16_t frequency = 0;  // refresh rate in Hz, 0 when unknown
+    int16_t frequency = 0;  // refresh rate in Hz; 0 or 1 the default rate
 
     friend bool operator==(const DisplayMode&, const DisplayMode&) = default;
 };
@@ -48,9 +48,11 @@ class XRandrDisplayModes : public IDisplayModes {
     XRandrDisplayModes(const XRandrDisplayModes&) = delete;
     XRandrDisplayModes& operator=(const XRandrDisplayModes&) = delete;
 
+    // Reports frequency 1 (the default rate) when the mode's timings do not
+    // give one.
     std::optional<DisplayMode> Current() override;
     // Chooses the output's mode of the given size whose refresh rate is
-    // nearest the asked one (nearest 60 Hz when 0 is asked).
+    // nearest the asked one (nearest 60 Hz when 0 or 1 is asked).
     bool Apply(const DisplayMode& mode) override;
     bool DepthIsFixed() const override { return true; }
 

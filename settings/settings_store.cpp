@@ -1,5 +1,7 @@
 #include "settings/settings_store.h"
 
+#include <stdexcept>
+
 #include <QSettings>
 #include <QStringList>
 #include <QVariant>
@@ -42,19 +44,43 @@ constexpr const SettingSpec& Spec(Setting id) {
 constexpr const char* kLeft = "LEFT";
 constexpr const char* kRight = "RIGHT";
 
+QString HandKey(uint8_t place) {
+    return QString::fromLatin1(Spec(Setting::SavedHand).key) + QString::number(place);
+}
+
+// A positive whole number from a stored text, read the way the runtime reads
+// numbers ("150", " 150", "150abc"), halves to even; the default for no
+// number, 0, a negative number or one too large for the setting. A fraction
+// that rounds to 0 counts as 0: a setting of 0 would make the window vanish.
+int16_t ReadNumber(const SettingSpec& spec, const QString& text) {
+    const auto fallback = static_cast<int16_t>(QString::fromLatin1(spec.fallback).toInt());
+    const double value = Val(text.toStdString());
+    if (!(value > 0)) return fallback;
+    try {
+        const int16_t whole = ToInt16(value);
+        return whole > 0 ? whole : fallback;
+    } catch (const RuntimeFault&) {
+        return fallback;
+    }
+}
+
 class Store {
   public:
     Store() : settings_("FELTHAWK", "FELTHAWK") { settings_.beginGroup("SETTINGS"); }
 
-    QString Read(const SettingSpec& spec, const QString& key) const {
-        QVariant value = settings_.value(key);
-        if (!value.isValid()) return QString::fromLatin1(spec.fallback);
-        // A text with commas that was written by hand, unquoted, comes back
-        // as a list; put the commas back rather than lose the text.
-        if (value.typeId() == QMetaType::QStringList) return value.toStringList().join(',');
-        return value.toString();
+    // The value under `key` as the setting's type reads it.
+    QVariant Read(const SettingSpec& spec, const QString& key) const {
+        const QString text = RawText(spec, key);
+        switch (spec.type) {
+            case SettingType::Number:
+                return ReadNumber(spec, text);
+            case SettingType::Text:
+                break;
+        }
+        return text;
     }
-    QString Read(const SettingSpec& spec) const {
+    QVariant Read(Setting id) const {
+        const SettingSpec& spec = Spec(id);
         return Read(spec, QString::fromLatin1(spec.key));
     }
 
@@ -62,36 +88,25 @@ class Store {
     void Remove(const QString& key) { settings_.remove(key); }
 
   private:
+    QString RawText(const SettingSpec& spec, const QString& key) const {
+        const QVariant value = settings_.value(key);
+        if (!value.isValid()) return QString::fromLatin1(spec.fallback);
+        // A text with commas that was written by hand, unquoted, comes back
+        // as a list; put the commas back rather than lose the text.
+        if (value.typeId() == QMetaType::QStringList) return value.toStringList().join(',');
+        return value.toString();
+    }
+
     QSettings settings_;
 };
-
-QString HandKey(uint8_t place) {
-    return QString::fromLatin1(Spec(Setting::SavedHand).key) + QString::number(place);
-}
-
-// A positive whole number from a stored text, read the way the runtime reads
-// numbers ("150", " 150", "150abc"), halves to even; the default for no
-// number, 0, a negative number or one too large for the setting.
-int16_t ReadNumber(const SettingSpec& spec, const QString& text) {
-    const auto fallback = static_cast<int16_t>(QString::fromLatin1(spec.fallback).toInt());
-    double value = Val(text.toStdString());
-    if (!(value > 0)) return fallback;
-    try {
-        return ToInt16(value);
-    } catch (const RuntimeFault&) {
-        return fallback;
-    }
-}
 
 }  // namespace
 
 FelthawkSettings GetFelthawkSettings() {
-    Store store;
+    const Store store;
     FelthawkSettings settings;
-    const SettingSpec& transparency = Spec(Setting::Transparency);
-    static_assert(Spec(Setting::Transparency).type == SettingType::Number);
-    settings.transparency = ReadNumber(transparency, store.Read(transparency));
-    settings.leftMouse = store.Read(Spec(Setting::Mouse)) == QLatin1String(kLeft);
+    settings.transparency = static_cast<int16_t>(store.Read(Setting::Transparency).toInt());
+    settings.leftMouse = store.Read(Setting::Mouse).toString() == QLatin1String(kLeft);
     return settings;
 }
 
@@ -104,7 +119,7 @@ void SetFelthawksettings(const FelthawkSettings& settings) {
 }
 
 QString GetSavedHand(uint8_t place) {
-    return Store().Read(Spec(Setting::SavedHand), HandKey(place));
+    return Store().Read(Spec(Setting::SavedHand), HandKey(place)).toString();
 }
 
 void PutSavedHand(const QString& text, uint8_t place) {

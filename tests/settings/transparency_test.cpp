@@ -49,7 +49,7 @@ class TransparencyTest : public ::testing::Test {
     FakeLayer layer;
     QWidget* window = nullptr;
 
-private:
+  private:
     std::unique_ptr<QWidget> owner_;  // made once the application exists
 };
 

@@ -1,0 +1,335 @@
+#include "capture/client_capture.h"
+
+#include <QCursor>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QStandardPaths>
+#include <cctype>
+#include <cmath>
+
+#include "capture/client_layout.h"
+#include "capture/compare_files.h"
+
+namespace felthawk {
+namespace {
+
+// The own strip never docks higher than this, so the client has room above.
+constexpr int kLowestStripTop = 90;
+// After raising the client, give it a moment to show before reading it.
+constexpr int kRaiseWaitMs = 10;
+
+void ProcessPendingEvents() {
+    if (QCoreApplication::instance() != nullptr) QCoreApplication::processEvents();
+}
+
+// The busy pointer while an icon is written, as the writer always showed.
+class BusyPointer {
+  public:
+    BusyPointer() : shown_(qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        if (shown_) QGuiApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
+    }
+    ~BusyPointer() {
+        if (shown_) QGuiApplication::restoreOverrideCursor();
+    }
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+
+  private:
+    bool shown_;
+};
+
+QImage BlankPictureBox() {
+    QImage box(kPictureBoxWidth, kPictureBoxHeight, QImage::Format_RGB32);
+    box.fill(QColor::fromRgb(kPictureBoxBackground));
+    return box;
+}
+
+std::filesystem::path PathOf(const QString& folder) {
+    return std::filesystem::path(folder.toStdString());
+}
+
+}  // namespace
+
+CaptureFolders DefaultCaptureFolders() {
+    CaptureFolders folders;
+    folders.dataFolder = PathOf(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    for (const QString& folder :
+         QStandardPaths::standardLocations(QStandardPaths::AppDataLocation)) {
+        folders.templateFolders.push_back(PathOf(folder) / "Icons");
+    }
+    folders.templateFolders.emplace_back(FELTHAWK_INSTALLED_ICONS_DIR);
+    folders.templateFolders.emplace_back(FELTHAWK_SOURCE_ICONS_DIR);
+    return folders;
+}
+
+bool LikePattern(std::string_view text, std::string_view pattern) {
+    // Greedy matching with one step back to the last star.
+    std::size_t t = 0, p = 0, starP = std::string_view::npos, starT = 0;
+    while (t < text.size()) {
+        if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == text[t])) {
+            ++t;
+            ++p;
+        } else if (p < pattern.size() && pattern[p] == '*') {
+            starP = p++;
+            starT = t;
+        } else if (starP != std::string_view::npos) {
+            p = starP + 1;
+            t = ++starT;
+        } else {
+            return false;
+        }
+    }
+    while (p < pattern.size() && pattern[p] == '*') ++p;
+    return p == pattern.size();
+}
+
+bool TitleNamesClient(std::string_view title) {
+    constexpr std::string_view kWord = "hold'em";
+    if (title.size() < kWord.size()) return false;
+    for (std::size_t start = 0; start + kWord.size() <= title.size(); ++start) {
+        std::size_t i = 0;
+        while (i < kWord.size() &&
+               std::tolower(static_cast<unsigned char>(title[start + i])) == kWord[i]) {
+            ++i;
+        }
+        if (i == kWord.size()) return true;
+    }
+    return false;
+}
+
+QImage CropToPictureBox(const QImage& screenshot, int cell, int previousSeat) {
+    QImage box = BlankPictureBox();
+    const PixelPoint origin = CropOrigin(cell, previousSeat);
+    for (int y = 0; y < kCropHeight; ++y) {
+        for (int x = 0; x < kCropWidth; ++x) {
+            if (screenshot.valid(origin.x + x, origin.y + y)) {
+                box.setPixel(x, y, screenshot.pixel(origin.x + x, origin.y + y));
+            }
+        }
+    }
+    return box;
+}
+
+IconPixels IconPixelsOf(const QImage& pictureBox) {
+    IconPixels pixels{};
+    for (int y = 0; y < kIconSide; ++y) {
+        for (int x = 0; x < kIconSide; ++x) {
+            pixels[y * kIconSide + x] = pictureBox.pixel(x, y) & 0xFFFFFF;
+        }
+    }
+    return pixels;
+}
+
+IconWriteResult SavePictureBox(const QImage& pictureBox, const std::filesystem::path& path) {
+    IconWriteResult result;
+    {
+        BusyPointer busy;
+        ProcessPendingEvents();
+        result = SavePicToIcon(IconPixelsOf(pictureBox), pictureBox.pixel(0, 0), path,
+                               kCaptureIconDepth);
+    }
+    ProcessPendingEvents();
+    return result;
+}
+
+ClientCapture::ClientCapture(IWindowSystem& windows, CaptureFolders folders)
+    : windows_(windows), folders_(std::move(folders)), pictureBox_(BlankPictureBox()) {}
+
+void ClientCapture::ReadClientCards(ICaptureBoard& board) {
+    // Events are processed inside a pass; a timer tick that arrives then
+    // must not start a second pass on top of this one.
+    if (passRunning_) return;
+    passRunning_ = true;
+    struct Done {
+        bool& flag;
+        ~Done() { flag = false; }
+    } done{passRunning_};
+
+    DeleteCardFiles();
+    FindClient(board, 0);
+    board.ClearCards();  // every pass starts from an empty board, found or not
+    if (!mClientFound) return;
+
+    mHoleMode = true;
+    mClientWnd = 0;
+    for (mHoleCardIndex = 0; mHoleCardIndex < 2; ++mHoleCardIndex) {
+        if (!CaptureAndSave(board, mHoleCardIndex)) return;
+    }
+    mHoleMode = false;
+    for (mBoardCardIndex = 0; mBoardCardIndex < 5; ++mBoardCardIndex) {
+        if (!CaptureAndSave(board, mBoardCardIndex + 2)) return;
+    }
+    TextCells cells;
+    if (!RecogniseCards(board, cells)) return;
+    board.ShowCapturedCards(cells);
+}
+
+void ClientCapture::FindClient(ICaptureBoard& board, int boardIndex) {
+    mClientWnd = 0;
+    mBoardCardIndex = boardIndex;
+    mClientFound = false;
+    std::vector<WindowId> hWndArray;
+    FindWindowLike(hWndArray, 0, "*", "*", true, board);
+    if (mClientFound) SaveProbeIcon();
+}
+
+void ClientCapture::FindWindowLike(std::vector<WindowId>& hWndArray, WindowId hWndStart,
+                                   std::string_view windowText, std::string_view className,
+                                   bool restart, ICaptureBoard& board) {
+    if (restart) {
+        mWindowSearchLevel = 0;
+        mWindowSearchFound = 0;
+    }
+    if (mWindowSearchLevel == 0) {
+        mWindowSearchFound = 0;
+        hWndArray.assign(1, 0);
+        if (hWndStart == 0) hWndStart = windows_.DesktopWindow();
+    }
+    ++mWindowSearchLevel;
+    for (WindowId window = windows_.FirstChild(hWndStart); window != 0;
+         window = windows_.NextSibling(window)) {
+        // The desktop's children and their children, no deeper.
+        if (mWindowSearchLevel < 2) {
+            FindWindowLike(hWndArray, window, windowText, className, false, board);
+        }
+        const std::string title = windows_.WindowText(window);
+        const std::string windowClass = windows_.ClassName(window);
+        if (LikePattern(title, windowText) && LikePattern(windowClass, className)) {
+            ++mWindowSearchFound;
+            hWndArray.resize(mWindowSearchFound + 1);
+            hWndArray[mWindowSearchFound] = window;
+        }
+        if (TitleNamesClient(title)) {
+            // The level stays raised: after a hit on a child window no
+            // further children are searched, and a hit on a top-level
+            // window ends the walk. The last hit is the client.
+            mClientWnd = static_cast<std::size_t>(mWindowSearchFound) < hWndArray.size()
+                             ? hWndArray[mWindowSearchFound]
+                             : 0;
+            DockClient(mClientWnd, board.OwnWindow(), board);
+            mClientFound = true;
+            BringClientForward(board);
+            return;
+        }
+    }
+    --mWindowSearchLevel;
+}
+
+void ClientCapture::DockClient(WindowId clientWnd, WindowId ownWnd, ICaptureBoard& board) {
+    board.EnterCompactView();
+    std::optional<WindowRect> own = windows_.GetWindowRect(ownWnd);
+    const std::optional<WindowRect> client = windows_.GetWindowRect(clientWnd);
+    if (!own || !client) return;
+    if (own->top < kLowestStripTop) {
+        windows_.MoveWindow(ownWnd, {own->left, kLowestStripTop, own->width, own->height});
+        own = windows_.GetWindowRect(ownWnd);
+        if (!own) return;
+    }
+    // Centred directly above the strip; halves round to even.
+    const double left = own->left + own->width / 2.0 - client->width / 2.0;
+    windows_.MoveWindow(clientWnd, {static_cast<int>(std::nearbyint(left)),
+                                    own->top - client->height, client->width, client->height});
+}
+
+void ClientCapture::BringClientForward(ICaptureBoard& board) {
+    windows_.SetShowCommand(mClientWnd, kShow);
+    if (windows_.GetShowCommand(mClientWnd) == kShowMinimised) {
+        windows_.SetShowCommand(mClientWnd, kShowNormal);
+    }
+    windows_.BringWindowToTop(mClientWnd);
+    QElapsedTimer waited;
+    waited.start();
+    while (waited.elapsed() < kRaiseWaitMs) ProcessPendingEvents();
+    CaptureCardImage(board.PreviousSeat());
+}
+
+QImage ClientCapture::CaptureCell(int cell, int previousSeat) {
+    // The foreground window as it is: after the raise that is the client,
+    // but the pass does not insist.
+    const QImage screenshot = windows_.CaptureWindow(windows_.ForegroundWindow());
+    return CropToPictureBox(screenshot, cell, previousSeat);
+}
+
+void ClientCapture::CaptureCardImage(int previousSeat) {
+    pictureBox_ = CaptureCell(mHoleMode ? mHoleCardIndex : mBoardCardIndex + 2, previousSeat);
+}
+
+void ClientCapture::SaveProbeIcon() {
+    // Nothing reads the probe, so a failure to write it changes nothing.
+    std::error_code ignored;
+    std::filesystem::create_directories(folders_.dataFolder, ignored);
+    SavePictureBox(pictureBox_, folders_.dataFolder / kProbeIconName);
+}
+
+void ClientCapture::DeleteCardFiles() {
+    for (int cell = 0; cell < kSlotCount; ++cell) {
+        std::error_code ignored;  // a file that is not there is no error
+        std::filesystem::remove(folders_.dataFolder / CaptureFileName(cell), ignored);
+    }
+}
+
+bool ClientCapture::CaptureAndSave(ICaptureBoard& board, int cell) {
+    CaptureCardImage(board.PreviousSeat());
+    std::error_code ignored;
+    std::filesystem::create_directories(folders_.dataFolder, ignored);
+    const IconWriteResult written =
+        SavePictureBox(pictureBox_, folders_.dataFolder / CaptureFileName(cell));
+    if (!written.written) {
+        board.StopCapture(written.error);
+        return false;
+    }
+    return true;
+}
+
+std::filesystem::path ClientCapture::TemplateFolder() const {
+    for (const std::filesystem::path& folder : folders_.templateFolders) {
+        std::error_code ignored;
+        if (std::filesystem::is_directory(folder, ignored)) return folder;
+    }
+    return folders_.dataFolder / "Icons";
+}
+
+std::string ClientCapture::RecogniseFile(const std::filesystem::path& file,
+                                         const std::filesystem::path& templates,
+                                         std::filesystem::path& unreadable) const {
+    for (int i = 0; i < kTemplateCount; ++i) {
+        const std::string card = TemplateCard(i);
+        const FileComparison comparison = compare_files(file, templates / TemplateFileName(card));
+        if (!comparison.unreadable.empty()) {
+            // A capture file that went away leaves its cell empty; a
+            // template that cannot be read is the user's to repair.
+            if (comparison.unreadable != file) unreadable = comparison.unreadable;
+            return {};
+        }
+        if (comparison.identical) return card;
+    }
+    return {};
+}
+
+bool ClientCapture::RecogniseCards(ICaptureBoard& board, TextCells& cells) {
+    const std::filesystem::path templates = TemplateFolder();
+    // The whole set is checked first, so that an incomplete folder is named
+    // on every pass, whatever the cards on the table.
+    for (int i = 0; i < kTemplateCount; ++i) {
+        const std::filesystem::path file = templates / TemplateFileName(TemplateCard(i));
+        if (!ReadJoinedLines(file)) {
+            board.StopCapture("Card template missing or unreadable: " + file.string());
+            return false;
+        }
+    }
+    for (int n = 0; n < kSlotCount; ++n) {
+        const int cell = n < 5 ? n + 2 : n - 5;  // t1..t5 the board, t6 and t7 the hole
+        const std::filesystem::path file = folders_.dataFolder / CaptureFileName(cell);
+        std::error_code ignored;
+        if (!std::filesystem::exists(file, ignored)) continue;
+        std::filesystem::path unreadable;
+        cells[cell] = RecogniseFile(file, templates, unreadable);
+        if (!unreadable.empty()) {
+            board.StopCapture("Card template missing or unreadable: " + unreadable.string());
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace felthawk

@@ -1,0 +1,118 @@
+// The capture pass: find the poker client's window, dock it above the
+// board's strip, cut each card out of a screenshot of it, write the cuts as
+// icon files and recognise them against the card templates.
+#pragma once
+
+#include <QImage>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "capture/icon_writer.h"
+#include "capture/window_system.h"
+#include "cards/recalculate.h"
+
+namespace felthawk {
+
+// What a capture pass needs of the main window.
+class ICaptureBoard {
+  public:
+    virtual ~ICaptureBoard() = default;
+    virtual WindowId OwnWindow() = 0;
+    // Capture on, and the window laid out as the compact strip.
+    virtual void EnterCompactView() = 0;
+    virtual void ClearCards() = 0;
+    // The seat before the user's; the hole cards are read there.
+    virtual int PreviousSeat() = 0;
+    // Puts the recognised cells on the table through the deck and the cell
+    // handlers, as a user would, and recalculates once.
+    virtual void ShowCapturedCards(const TextCells& cells) = 0;
+    // Switches capture off and tells the user why, in one message.
+    virtual void StopCapture(const std::string& message) = 0;
+};
+
+struct CaptureFolders {
+    // Where the pass writes t1.icc .. t7.icc and its probe icon.
+    std::filesystem::path dataFolder;
+    // Where the card templates may be, in order; the first that exists is
+    // the template set.
+    std::vector<std::filesystem::path> templateFolders;
+};
+
+// The per-user data folder, then the installed data folder, then the
+// templates of the source tree, for a program run from its build folder.
+CaptureFolders DefaultCaptureFolders();
+
+// The file name of the probe icon that each search writes; nothing reads it.
+inline constexpr std::string_view kProbeIconName = ".ico";
+
+// `*` stands for any run of characters, `?` for one; case counts.
+bool LikePattern(std::string_view text, std::string_view pattern);
+// Whether a window title names the poker client: "Hold'em" in any case.
+bool TitleNamesClient(std::string_view title);
+
+// Paints the crop of `cell` out of a screenshot into the picture box, at its
+// top left, over the box's fixed background.
+QImage CropToPictureBox(const QImage& screenshot, int cell, int previousSeat);
+// The top left 32 by 32 pixels of the picture box, as the icon writer takes
+// them; the transparent colour is the box's pixel (0, 0).
+IconPixels IconPixelsOf(const QImage& pictureBox);
+// Writes the picture box as a capture icon, transparent at its pixel (0, 0),
+// showing the busy pointer meanwhile.
+IconWriteResult SavePictureBox(const QImage& pictureBox, const std::filesystem::path& path);
+
+class ClientCapture {
+  public:
+    ClientCapture(IWindowSystem& windows, CaptureFolders folders);
+
+    // One pass, run by the capture timer.
+    void ReadClientCards(ICaptureBoard& board);
+
+    // One search of the desktop for the client, docking and reading each
+    // window whose title names it.
+    void FindClient(ICaptureBoard& board, int boardIndex);
+    WindowId ClientWindow() const { return mClientWnd; }
+    bool ClientFound() const { return mClientFound; }
+
+    // Screenshot of the foreground window and the crop of `cell` from it.
+    QImage CaptureCell(int cell, int previousSeat);
+    // The template folder in use: the first candidate that exists, else the
+    // per-user one, where the message about a missing template points.
+    std::filesystem::path TemplateFolder() const;
+    // The recognised card text of an icon file, "" when it matches none.
+    // On a template that cannot be read, `unreadable` names it.
+    std::string RecogniseFile(const std::filesystem::path& file,
+                              const std::filesystem::path& templates,
+                              std::filesystem::path& unreadable) const;
+
+  private:
+    void FindWindowLike(std::vector<WindowId>& hWndArray, WindowId hWndStart,
+                        std::string_view windowText, std::string_view className, bool restart,
+                        ICaptureBoard& board);
+    void DockClient(WindowId clientWnd, WindowId ownWnd, ICaptureBoard& board);
+    void BringClientForward(ICaptureBoard& board);
+    // Crops the present slot (hole or board, and which) into the picture box.
+    void CaptureCardImage(int previousSeat);
+    void SaveProbeIcon();
+    void DeleteCardFiles();
+    // Captures `cell` and writes its file; false, with the board told, when
+    // the file cannot be written.
+    bool CaptureAndSave(ICaptureBoard& board, int cell);
+    // False, with the board told, when a template is missing.
+    bool RecogniseCards(ICaptureBoard& board, TextCells& cells);
+
+    IWindowSystem& windows_;
+    CaptureFolders folders_;
+    QImage pictureBox_;
+
+    WindowId mClientWnd = 0;
+    bool mClientFound = false;
+    int mBoardCardIndex = 0;
+    bool mHoleMode = false;
+    int mHoleCardIndex = 0;
+    int mWindowSearchLevel = 0;
+    int mWindowSearchFound = 0;
+    bool passRunning_ = false;
+};
+
+}  // namespace felthawk

@@ -1,0 +1,26 @@
+// File identity as recognition sees it: both files are read as text, line by
+// line, and the lines joined without their ends. Two files that differ only
+// in their line-end bytes therefore count as the same.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace felthawk {
+
+// The text of a file with every line end (CR, LF or CR LF) removed; nothing
+// when the file cannot be read.
+std::optional<std::string> ReadJoinedLines(const std::filesystem::path& path);
+
+struct FileComparison {
+    bool identical = false;
+    // The first of the two files that could not be read, empty when both
+    // were read.
+    std::filesystem::path unreadable;
+};
+
+FileComparison compare_files(const std::filesystem::path& path1,
+                             const std::filesystem::path& path2);
+
+}  // namespace felthawk

@@ -31,29 +31,6 @@ class FakeDisplayModes : public IDisplayModes {
     bool DepthIsFixed() const override { return depthFixed; }
 };
 
-TEST(DisplayModeLogic, ClassifiesByTheValuesGiven) {
-    struct Case {
-        int16_t w, h, d, f;
-        ModeChange change;
-    };
-    const Case cases[] = {
-        {0, 0, 0, 0, ModeChange::None},
-        {800, 600, 0, 0, ModeChange::ChangeResol},
-        {0, 0, 32, 0, ModeChange::ChangeColor},
-        {0, 0, 0, 75, ModeChange::ChangeFreq},
-        {800, 600, 32, 75, ModeChange::ChangeAll},
-        {800, 0, 0, 0, ModeChange::Unchanged},
-        {800, 600, 32, 0, ModeChange::Unchanged},
-        {0, 0, 32, 75, ModeChange::Unchanged},
-        {800, 600, 0, 75, ModeChange::Unchanged},
-        {-1, -1, 0, 0, ModeChange::ChangeResol},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(::testing::Message() << c.w << "x" << c.h << "x" << c.d << "@" << c.f);
-        EXPECT_EQ(ClassifyModeChange(c.w, c.h, c.d, c.f), c.change);
-    }
-}
-
 TEST(DisplayModeLogic, SaveForcesTheCaptureModeUnlessAlreadyThere) {
     struct Case {
         DisplayMode start;

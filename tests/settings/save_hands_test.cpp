@@ -130,14 +130,6 @@ TEST_F(SaveHandsTest, RemovingClosesUpAndANewHandGoesLast) {
     EXPECT_EQ(Shown(form), StoredHands());
 }
 
-TEST_F(SaveHandsTest, RemoveWithoutASelectionDoesNothing) {
-    frmSaveHands form(dialogs);
-    SaveTen(form, dialogs);
-    form.lstSave()->clearSelection();
-    form.Command1()->click();
-    EXPECT_EQ(StoredHands().size(), kMaxSavedHands);
-}
-
 TEST_F(SaveHandsTest, StoringClosesUpGapsLeftInTheStore) {
     PutSavedHand("b:AS,,,,,,", 2);
     PutSavedHand("e:KS,,,,,,", 5);
@@ -154,20 +146,6 @@ TEST_F(SaveHandsTest, StoringClosesUpGapsLeftInTheStore) {
     }
     EXPECT_FALSE(testing::RawContains("HAND5"));
     EXPECT_FALSE(testing::RawContains("HAND10"));
-}
-
-TEST_F(SaveHandsTest, FormLayoutInPixels) {
-    frmSaveHands form(dialogs);
-    EXPECT_EQ(form.windowTitle(), "Save Hands");
-    EXPECT_EQ(form.lstSave()->geometry(), QRect(5, 5, 192, 147));
-    EXPECT_EQ(form.Command1()->text(), "&Remove");
-    EXPECT_EQ(form.Command1()->pos(), QPoint(6, 159));
-    EXPECT_EQ(form.cmdOK()->text(), "&Close");
-    EXPECT_EQ(form.cmdOK()->pos(), QPoint(140, 159));
-
-    form.show();
-    form.cmdOK()->click();
-    EXPECT_FALSE(form.isVisible());
 }
 
 }  // namespace

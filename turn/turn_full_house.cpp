@@ -33,72 +33,70 @@ bool BoardHasSuitedThree(const CalcState& state) {
     return false;
 }
 
+// The trips rank bands of the one-hole and two-hole leaves: below 5, 5 to 9,
+// above 10. Trips of ten fall in no band and set nothing.
+template <class Cell>
+const Cell* TripsBand(int trips, const std::array<Cell, 3>& bands) {
+    if (trips < 5) return &bands[0];
+    if (trips <= 9) return &bands[1];
+    if (trips > 10) return &bands[2];
+    return nullptr;
+}
+
 // One hole card makes trips with a board pair, and the board holds a second
-// pair. Columns: the board pair at most the trips, above the trips.
+// pair. Rows by trips band; columns: the board pair at most the trips, above
+// the trips.
 struct OneHoleRow {
     double pairBelow;
     double pairAbove;
 };
-constexpr OneHoleRow kOneHoleBelow5 = {33.0, 8.5};
-constexpr OneHoleRow kOneHole5To9 = {34.0, 9.25};
-constexpr OneHoleRow kOneHoleAbove10 = {35.0, 10.0};
+constexpr std::array<OneHoleRow, 3> kOneHoleOuts = {{
+    /* below 5  */ {33.0, 8.5},
+    /* 5 to 9   */ {34.0, 9.25},
+    /* above 10 */ {35.0, 10.0},
+}};
 
 void TurnFullHouseOneHole(CalcState& state, const FullHouseRanks& fh) {
     double outs = 0.0;
-    // Trips of ten set nothing.
-    const OneHoleRow* row = fh.trips < 5    ? &kOneHoleBelow5
-                            : fh.trips <= 9 ? &kOneHole5To9
-                            : fh.trips > 10 ? &kOneHoleAbove10
-                                            : nullptr;
-    if (row != nullptr) outs = fh.pair <= fh.trips ? row->pairBelow : row->pairAbove;
+    if (const OneHoleRow* row = TripsBand(fh.trips, kOneHoleOuts)) {
+        outs = fh.pair <= fh.trips ? row->pairBelow : row->pairAbove;
+    }
     TurnStrengthFromOuts(state, "TurnFullHouseOneHole", outs, UnseenRule::kLarger);
 }
 
 // Each hole card is paired or tripled by the board. The second figure of each
-// pair applies when both a run of three singles and three suited board cards
+// cell applies when both a run of three singles and three suited board cards
 // are present.
 struct FlaggedOuts {
     double plain;
     double bothFlags;
 };
-constexpr FlaggedOuts kTwoHoleKickerBelowLowTrips = {35.5, 31.0};   // T >= K, T < 5
-constexpr FlaggedOuts kTwoHoleKickerBelowMidTrips = {35.5, 31.5};   // T >= K, T 5..9
-constexpr FlaggedOuts kTwoHoleKickerBelowHighTrips = {37.5, 31.5};  // T >= K, T > 10
-constexpr FlaggedOuts kTwoHoleKickerBelowAce = {40.0, 36.5};        // T >= K, an ace held
-constexpr FlaggedOuts kTwoHoleKickerAboveLowTrips = {28.0, 25.5};   // T < K, T < 5
-constexpr FlaggedOuts kTwoHoleKickerAboveMidTrips = {29.5, 26.5};   // T < K, T 5..9
-constexpr FlaggedOuts kTwoHoleKickerAboveHighTrips = {30.5, 27.5};  // T < K, T > 10
-constexpr FlaggedOuts kTwoHoleKickerAboveAceTwoThree = {33.0, 30.0};
+// By trips band: below 5, 5 to 9, above 10.
+constexpr std::array<FlaggedOuts, 3> kTwoHoleKickerBelow = {
+    {{35.5, 31.0}, {35.5, 31.5}, {37.5, 31.5}}};
+constexpr std::array<FlaggedOuts, 3> kTwoHoleKickerAbove = {
+    {{28.0, 25.5}, {29.5, 26.5}, {30.5, 27.5}}};
+// An ace in the hole, kicker below the trips.
+constexpr FlaggedOuts kTwoHoleAceKickerBelow = {40.0, 36.5};
+// An ace in the hole, kicker above the trips, and the two and three held once.
+constexpr FlaggedOuts kTwoHoleAceKickerAbove = {33.0, 30.0};
 
 void TurnFullHouseTwoHole(CalcState& state, const FullHouseRanks& fh) {
     const bool bothFlags = RunOfThreeSingles(state) && BoardHasSuitedThree(state);
     const auto pick = [&](const FlaggedOuts& cell) {
         return bothFlags ? cell.bothFlags : cell.plain;
     };
-    const HoleRanks hole = HoleRanksOf(state);
-    const bool aceHeld = hole.high == 14;
+    const bool kickerBelow = fh.trips >= fh.kicker;
     double outs = 0.0;
-    const int t = fh.trips;
-    if (t >= fh.kicker) {
-        // Trips of ten set nothing here.
-        if (t < 5) {
-            outs = pick(kTwoHoleKickerBelowLowTrips);
-        } else if (t <= 9) {
-            outs = pick(kTwoHoleKickerBelowMidTrips);
-        } else if (t > 10) {
-            outs = pick(kTwoHoleKickerBelowHighTrips);
-        }
-        if (aceHeld) outs = pick(kTwoHoleKickerBelowAce);
-    } else {
-        if (t < 5) {
-            outs = pick(kTwoHoleKickerAboveLowTrips);
-        } else if (t <= 9) {
-            outs = pick(kTwoHoleKickerAboveMidTrips);
-        } else if (t > 10) {
-            outs = pick(kTwoHoleKickerAboveHighTrips);
-        }
-        if (aceHeld && state.gRankCount[3] == 1 && state.gRankCount[2] == 1) {
-            outs = pick(kTwoHoleKickerAboveAceTwoThree);
+    if (const FlaggedOuts* cell =
+            TripsBand(fh.trips, kickerBelow ? kTwoHoleKickerBelow : kTwoHoleKickerAbove)) {
+        outs = pick(*cell);
+    }
+    if (HoleRanksOf(state).high == 14) {
+        if (kickerBelow) {
+            outs = pick(kTwoHoleAceKickerBelow);
+        } else if (state.gRankCount[3] == 1 && state.gRankCount[2] == 1) {
+            outs = pick(kTwoHoleAceKickerAbove);
         }
     }
     TurnStrengthFromOuts(state, "TurnFullHouseTwoHole", outs, UnseenRule::kLarger);

@@ -1,0 +1,14 @@
+<banners>
+  <banner>
+    <Path>http://felthawk.example/member/banners/felthawk.gif</Path>
+    <SmallPath>http://felthawk.example/member/banners/felthawk.gif</SmallPath>
+    <Duration>20</Duration>
+    <Reference>http://felthawk.example/</Reference>
+  </banner>
+  <banner>
+    <Path>http://felthawk.example/member/banners/felthawk.gif</Path>
+    <SmallPath>http://felthawk.example/member/banners/felthawk.gif</SmallPath>
+    <Duration>10</Duration>
+    <Reference>http://felthawk.example/faq.html</Reference>
+  </banner>
+</banners>

@@ -33,8 +33,8 @@ constexpr OutsByRank kTwoHoleFlushOuts = {{kOther, kOther, kOther, kOther, kOthe
 //    three of the suit and an opponent needs two suited cards to beat us.
 //  - A five-suited board that our card does not improve is the board's
 //    flush, shared by everyone: the lowest figure of the board leaf.
-//  - A paired board makes a full house possible: half the figure; two
-//    pairs or three of a kind on the board leave a quarter.
+//  - A paired board makes a full house possible: half the figure. (Four
+//    board cards of the suit leave room for one pair at most.)
 //  - Four cards of the suit on the board within five ranks leave a straight
 //    flush open to one card: a third of the figure.
 //                                         2       3       4       5       6       7       8
@@ -43,8 +43,7 @@ constexpr OutsByRank kOneHoleFlushOuts = {{kOther, kOther, kOther, kOther, kOthe
                                            6.0, 9.0, 12.0, 17.0, 24.0, 36.0},
                                           4.0};
 constexpr double kBoardFlushPlaysOuts = 0.5;
-constexpr int kOnePairKeptPercent = 50;
-constexpr int kMorePairedKeptPercent = 25;
+constexpr int kPairedBoardKeptPercent = 50;
 constexpr int kStraightFlushOpenKeptPercent = 33;
 
 // Ranks of the board cards of one suit (slots 2..6).
@@ -137,25 +136,19 @@ void RiverFlushOneHole(CalcState& state, int suit) {
     double outs = boardPlays ? kBoardFlushPlaysOuts : kOneHoleFlushOuts(standing);
 
     const RankCounts board = BoardRanksWithoutHole(state);
-    int pairs = 0;
-    int trips = 0;
+    bool pairedBoard = false;
     for (int rank = 2; rank <= 14; ++rank) {
-        if (board[rank] == 2) ++pairs;
-        if (board[rank] >= 3) ++trips;
+        if (board[rank] >= 2) pairedBoard = true;
     }
-    if (pairs >= 2 || trips >= 1) {
-        outs = outs * kMorePairedKeptPercent / 100;
-    } else if (pairs == 1) {
-        outs = outs * kOnePairKeptPercent / 100;
-    }
+    if (pairedBoard) outs = outs * kPairedBoardKeptPercent / 100;
     bool straightFlushOpen = false;
     for (int start = 2; start <= LastSpanStart(5); ++start) {
         if (CountSpan(suitOnBoard, start, 5, RankTest::AtLeastOne) >= 4) straightFlushOpen = true;
     }
     if (straightFlushOpen) outs = outs * kStraightFlushOpenKeptPercent / 100;
     state.trace.Note("RiverFlushOneHole: flush card ", ours, ", standing ", standing,
-                     boardPlays ? ", the board plays" : "", ", board pairs ", pairs, ", trips ",
-                     trips, straightFlushOpen ? ", straight flush open" : "");
+                     boardPlays ? ", the board plays" : "", pairedBoard ? ", paired board" : "",
+                     straightFlushOpen ? ", straight flush open" : "");
     CloseRiverLeaf(state, "RiverFlushOneHole", outs);
 }
 

@@ -62,21 +62,8 @@ GrowingList<std::string> SplitAtMinus(std::string_view text) {
 void FlopFullHouse(CalcState& state) {
     // The board-trips leaf does not end the routine: with a pocket pair the
     // pocket leaf runs after it and has the last word.
-    for (int slot = 2; slot <= 6; ++slot) {
-        if (RankAtLeast(state, SlotRank(state, slot), 2, 6, 3)) {
-            FlopFullHouseBoardTrips(state);
-            break;
-        }
-    }
-    // The empty slots 5 and 6 always pair each other here, so this scan
-    // always hits on the flop.
-    bool boardPair = false;
-    for (int slot = 2; slot <= 6; ++slot) {
-        if (RankAtLeast(state, SlotRank(state, slot), 2, 6, 2)) {
-            boardPair = true;
-            break;
-        }
-    }
+    if (BoardRankHeld(state, 3)) FlopFullHouseBoardTrips(state);
+    const bool boardPair = BoardRankHeld(state, 2).has_value();
     if (boardPair && RankAtLeast(state, SlotRank(state, 0), 0, 1, 2)) {
         FlopFullHousePocket(state);
         return;

@@ -12,6 +12,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 #include "cards/calc_state.h"
 #include "flop/strength_common.h"
@@ -73,6 +74,11 @@ struct RankBonus {
 inline int SlotRank(const CalcState& state, int slot) {
     return RankOf(state.gCards[slot]);
 }
+
+// The rank of the first of slots 2..6 whose rank at least minCount of those
+// slots hold. The empty slots 5 and 6 count as a pair of rank 0, so with
+// minCount 2 a flop always has one.
+std::optional<int16_t> BoardRankHeld(const CalcState& state, long minCount);
 
 // How many of the slots first..last are of each suit index.
 FixedArray<int16_t, 0, 3> CountSuits(const CalcState& state, int first, int last);

@@ -44,6 +44,14 @@ const FlopSeatTable& MadeHandSeats(double outs) {
     return outs <= 20.0 ? kUpTo20 : kAbove20;
 }
 
+std::optional<int16_t> BoardRankHeld(const CalcState& state, long minCount) {
+    for (int slot = 2; slot <= 6; ++slot) {
+        const int16_t rank = ToInt16(SlotRank(state, slot));
+        if (RankAtLeast(state, rank, 2, 6, minCount)) return rank;
+    }
+    return std::nullopt;
+}
+
 FixedArray<int16_t, 0, 3> CountSuits(const CalcState& state, int first, int last) {
     FixedArray<int16_t, 0, 3> counts;
     for (int slot = first; slot <= last; ++slot) counts[SuitIndex(state.gCards[slot])] += 1;

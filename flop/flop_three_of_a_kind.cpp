@@ -113,22 +113,13 @@ void FlopThreeOfAKind(CalcState& state) {
         FlopTwoPair(state);
         return;
     }
-    for (int slot = 2; slot <= 6; ++slot) {
-        const int16_t rank = ToInt16(SlotRank(state, slot));
-        if (RankAtLeast(state, rank, 2, 6, 3)) {
-            FlopBoardTrips(state, rank);
-            return;
-        }
+    if (const std::optional<int16_t> trips = BoardRankHeld(state, 3)) {
+        FlopBoardTrips(state, *trips);
+        return;
     }
-    // The empty slots 5 and 6, both rank 0, always hit this scan on the flop.
-    bool boardPair = false;
-    for (int slot = 2; slot <= 6; ++slot) {
-        if (RankAtLeast(state, SlotRank(state, slot), 2, 6, 2)) {
-            boardPair = true;
-            break;
-        }
-    }
-    if (boardPair && RankAtLeast(state, SlotRank(state, 0), 0, 1, 2)) {
+    // The empty slots 5 and 6, both rank 0, always pair on the flop, so a
+    // pocket pair decides.
+    if (BoardRankHeld(state, 2) && RankAtLeast(state, SlotRank(state, 0), 0, 1, 2)) {
         FlopSet(state, ToInt16(SlotRank(state, 0)));
     } else {
         FlopTripsBoardPair(state);

@@ -198,6 +198,8 @@ const FlopCase kTwoPairCases[] = {
     {"PocketOneFolded", "9S 9H 4D 4C QS", "MFHHHHHHHH", kTwoPair, "FlopTwoPairPocket", 13},
     // Board J 7 2 covers 1..3, 6..8, 10..12: 4 + 5 free ranks.
     {"BothHoleCardsPaired", "JS 7H JD 7C 2H", kAllIn, kTwoPair, "FlopTwoPairHole", 35},
+    // Board J 7 A covers 6..8 and 10..14 (the ace also 15): 4 + 5.
+    {"BothPairedAceOnBoard", "JS 7H JD 7C AH", kAllIn, kTwoPair, "FlopTwoPairHole", 35},
     // Board 9 6 5 covers 4..10: 4 + 6; a two-suited board takes 1.
     {"BothPairedRainbow", "9S 6H 9D 6C 5H", kAllIn, kTwoPair, "FlopTwoPairHole", 38},
     {"BothPairedTwoSuited", "9S 6H 9D 6D 5H", kAllIn, kTwoPair, "FlopTwoPairHole", 35},

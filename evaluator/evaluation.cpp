@@ -85,39 +85,58 @@ const Evaluation& Evaluator::Evaluate(const TableInput& table) {
     return result_;
 }
 
+namespace {
+
+// Writes one JSON object, key after key, in the order of the calls.
+class JsonObject {
+  public:
+    explicit JsonObject(std::string& out) : out_(out) { out_ += '{'; }
+    ~JsonObject() { out_ += '}'; }
+    JsonObject(const JsonObject&) = delete;
+    JsonObject& operator=(const JsonObject&) = delete;
+
+    void Text(std::string_view key, std::string_view text) { AppendString(Key(key), text); }
+    template <class List>
+    void TextList(std::string_view key, const List& items) {
+        AppendStringList(Key(key), items);
+    }
+    void Number(std::string_view key, double value) { AppendNumber(Key(key), value); }
+    void Raw(std::string_view key, std::string_view json) { Key(key) += json; }
+
+  private:
+    std::string& Key(std::string_view key) {
+        if (!first_) out_ += ", ";
+        first_ = false;
+        AppendString(out_, key);
+        out_ += ": ";
+        return out_;
+    }
+
+    std::string& out_;
+    bool first_ = true;
+};
+
+}  // namespace
+
 void AppendJson(std::string& out, const TableInput& table, const Evaluation& result, bool explain) {
     const DisplayModel& display = result.display;
-    out += "{\"cells\": ";
-    AppendString(out, table.cellsText);
-    out += ", \"seats\": ";
-    AppendString(out, table.seatsText);
-    out += ", \"odds\": ";
-    AppendStringList(out, result.odds);
-    out += ", \"chances\": ";
-    AppendStringList(out, display.chances);
-    out += ", \"stage\": ";
-    out += std::to_string(display.stage);
-    out += ", \"strength\": ";
-    out += display.hasStrength ? std::to_string(display.strength) : "null";
-    out += ", \"me\": ";
-    AppendString(out, display.me);
-    out += ", \"suggestion\": ";
-    AppendString(out, display.suggestion);
-    out += ", \"gauge_x2\": ";
-    AppendNumber(out, display.gaugeX2);
-    out += ", \"messages\": ";
-    AppendStringList(out, result.messages);
-    if (explain) {
-        out += ", \"trace\": ";
-        AppendStringList(out, result.trace);
-    }
-    out += '}';
+    JsonObject json(out);
+    json.Text("cells", table.cellsText);
+    json.Text("seats", table.seatsText);
+    json.TextList("odds", result.odds);
+    json.TextList("chances", display.chances);
+    json.Number("stage", display.stage);
+    json.Raw("strength", display.hasStrength ? std::to_string(display.strength) : "null");
+    json.Text("me", display.me);
+    json.Text("suggestion", display.suggestion);
+    json.Number("gauge_x2", display.gaugeX2);
+    json.TextList("messages", result.messages);
+    if (explain) json.TextList("trace", result.trace);
 }
 
 void AppendErrorJson(std::string& out, const std::string& message) {
-    out += "{\"error\": ";
-    AppendString(out, message);
-    out += '}';
+    JsonObject json(out);
+    json.Text("error", message);
 }
 
 std::string PrettyPanel(const TableInput& table, const Evaluation& result, bool explain) {

@@ -75,6 +75,18 @@ INSTANTIATE_TEST_SUITE_P(
                   kFullTable, "RiverQuadsOneHole: fixed 97", 97}),
     CaseNamer{});
 
+// Made hands that fit no leaf show 0.
+INSTANTIATE_TEST_SUITE_P(
+    NoLeaf, RiverFixedFigure,
+    testing::Values(FixedCase{"a pair on the board alone", "AC,5D,9S,9H,7C,3D,JS", kFullTable,
+                              "the pair is on the board", 0},
+                    FixedCase{"trips on the board alone", "2C,5D,9S,9H,9D,KC,7S", kFullTable,
+                              "the trips are on the board", 0},
+                    // The ace never opens a five-rank span, so the wheel finds none.
+                    FixedCase{"the wheel", "AC,2D,3S,4H,5C,5D,4S", kFullTable, "no five-rank span",
+                              0}),
+    CaseNamer{});
+
 // A set on three of a suit loses 60 points and never shows less than 5.
 INSTANTIATE_TEST_SUITE_P(
     SetOnThreeOfASuit, RiverFixedFigure,

@@ -7,9 +7,10 @@
 namespace felthawk {
 namespace {
 
-// An encoded word may be 75 characters long; "=?UTF-8?B?" and "?=" take 12,
-// leaving 63 for base64, that is 45 bytes of text.
-constexpr qsizetype kEncodedWordBytes = 45;
+// Encoded words of 36 bytes of text are 60 characters long ("=?UTF-8?B?",
+// 48 of base64, "?="), so that even after "Subject: " a header line stays
+// within the 78 characters mail likes.
+constexpr qsizetype kEncodedWordBytes = 36;
 // Quoted-printable lines hold 76 characters, the soft break "=" included.
 constexpr qsizetype kQuotedPrintableWidth = 75;
 
@@ -127,7 +128,9 @@ QByteArray ComposeMessage(const MailMessage& message, const QDateTime& date,
     out += "Content-Type: text/plain; charset=UTF-8\r\n";
     out += "Content-Transfer-Encoding: quoted-printable\r\n";
     out += "\r\n";
-    out += EncodeQuotedPrintable(message.text) + "\r\n";
+    out += EncodeQuotedPrintable(message.text);
+    // The text ends with a line break, one only.
+    if (!out.endsWith("\r\n")) out += "\r\n";
     return out;
 }
 

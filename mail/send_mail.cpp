@@ -5,6 +5,7 @@
 
 #include <QDateTime>
 #include <QSysInfo>
+#include <QUuid>
 
 #include "mail/mail_address.h"
 #include "mail/smtp_transfer.h"
@@ -116,22 +117,20 @@ void clsSendMail::OnMailExchangers(const QDnsLookup& lookup) {
                    .arg(Quoted(domain_), message_.toAddress));
         return;
     }
-    if (!records.isEmpty()) {
-        // QDnsLookup gives the records by preference, ties in random order.
-        for (const QDnsMailExchangeRecord& record : records) exchangers_ << record.exchange();
-    } else if (lookup.error() == QDnsLookup::NoError ||
-               lookup.error() == QDnsLookup::InvalidReplyError) {
-        // A domain with no MX record is its own exchanger. (An answer that
-        // holds no record at all is what QDnsLookup calls an invalid reply.)
-        exchangers_ << domain_;
-        implicitExchanger_ = true;
-    } else {
-        Finish(SendResult::Status::LookupFailed,
-               QStringLiteral("The mail server for %1 could not be looked up (%2). Please check "
-                              "your connection to the internet.")
-                   .arg(Quoted(domain_), lookup.errorString()));
+    if (records.isEmpty()) {
+        if (lookup.error() == QDnsLookup::NoError ||
+            lookup.error() == QDnsLookup::InvalidReplyError)
+            // An answer without records, which QDnsLookup reports as an
+            // invalid reply, but so it reports no answer at all. A name that
+            // cannot exist tells them apart: a working name server denies it.
+            Lookup(QDnsLookup::A, QUuid::createUuid().toString(QUuid::Id128) + u'.' + domain_,
+                   &clsSendMail::OnProbe);
+        else
+            FailLookUp(lookup.errorString());
         return;
     }
+    // QDnsLookup gives the records by preference, ties in random order.
+    for (const QDnsMailExchangeRecord& record : records) exchangers_ << record.exchange();
     // A lone exchanger named "." says the domain takes no mail at all.
     if (exchangers_.size() == 1 &&
         (exchangers_[0].isEmpty() || exchangers_[0] == QLatin1String("."))) {
@@ -141,6 +140,24 @@ void clsSendMail::OnMailExchangers(const QDnsLookup& lookup) {
         return;
     }
     TryNextExchanger();
+}
+
+void clsSendMail::OnProbe(const QDnsLookup& lookup) {
+    if (lookup.error() == QDnsLookup::InvalidReplyError) {
+        FailLookUp(QStringLiteral("the name server does not answer"));
+        return;
+    }
+    // The domain has no MX record: it is its own exchanger.
+    exchangers_ << domain_;
+    implicitExchanger_ = true;
+    TryNextExchanger();
+}
+
+void clsSendMail::FailLookUp(const QString& reason) {
+    Finish(SendResult::Status::LookupFailed,
+           QStringLiteral("The mail server for %1 could not be looked up (%2). Please check "
+                          "your connection to the internet.")
+               .arg(Quoted(domain_), reason));
 }
 
 void clsSendMail::TryNextExchanger() {

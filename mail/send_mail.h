@@ -78,6 +78,8 @@ class clsSendMail : public QObject {
     using LookupStep = void (clsSendMail::*)(const QDnsLookup&);
     void Lookup(QDnsLookup::Type type, const QString& name, LookupStep then);
     void OnMailExchangers(const QDnsLookup& lookup);
+    void OnProbe(const QDnsLookup& lookup);
+    void FailLookUp(const QString& reason);
     void TryNextExchanger();
     void OnIPv4Addresses(const QDnsLookup& lookup);
     void OnIPv6Addresses(const QDnsLookup& lookup);

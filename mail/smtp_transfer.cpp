@@ -7,6 +7,8 @@
 
 #include <QSocketNotifier>
 
+#include <sys/socket.h>
+
 namespace felthawk {
 namespace {
 
@@ -136,6 +138,12 @@ void SmtpTransfer::Start(const SmtpRequest& request) {
 }
 
 void SmtpTransfer::Abort() {
+    // Left to itself, libcurl would finish an upload it is told to drop by
+    // sending the end-of-data mark and waiting for the server's reply: a
+    // wait that blocks the window and, in the middle of the text, a message
+    // cut short that the server might deliver. Shutting the sockets first
+    // makes that last word fail at once.
+    for (const auto& [socket, notifiers] : sockets_) ::shutdown(socket, SHUT_RDWR);
     Release();
 }
 

@@ -1,0 +1,121 @@
+// A desktop of made-up windows for testing the search and the pass without
+// an X server. Windows are listed top of the stack first.
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "capture/client_capture.h"
+
+namespace felthawk {
+
+struct FakeWindow {
+    WindowId parent = 0;
+    std::string title;
+    std::string windowClass = "Fake";
+    WindowRect rect;
+    bool minimised = false;
+    QImage picture;  // what a screenshot of it shows
+};
+
+class FakeWindowSystem : public IWindowSystem {
+  public:
+    static constexpr WindowId kDesktop = 1;
+
+    WindowId Add(WindowId parent, std::string title, WindowRect rect = {0, 0, 780, 440}) {
+        const WindowId id = nextId_++;
+        windows_[id] = FakeWindow{parent, std::move(title), "Fake", rect, false, {}};
+        order_.push_back(id);
+        return id;
+    }
+    FakeWindow& operator[](WindowId id) { return windows_.at(id); }
+    void Close(WindowId id) {
+        windows_.erase(id);
+        std::erase(order_, id);
+        if (foreground_ == id) foreground_ = 0;
+    }
+
+    WindowId DesktopWindow() override { return kDesktop; }
+    WindowId FirstChild(WindowId window) override { return After(window, 0, true); }
+    WindowId NextSibling(WindowId window) override {
+        return windows_.count(window) ? After(windows_[window].parent, window, false) : 0;
+    }
+    std::string WindowText(WindowId window) override {
+        titlesRead.push_back(window);
+        return windows_.count(window) ? windows_[window].title : "";
+    }
+    std::string ClassName(WindowId window) override {
+        return windows_.count(window) ? windows_[window].windowClass : "";
+    }
+    std::optional<WindowRect> GetWindowRect(WindowId window) override {
+        if (!windows_.count(window)) return std::nullopt;
+        return windows_[window].rect;
+    }
+    void MoveWindow(WindowId window, const WindowRect& rect) override {
+        moves.emplace_back(window, rect);
+        if (windows_.count(window)) windows_[window].rect = rect;
+    }
+    ShowCommand GetShowCommand(WindowId window) override {
+        return windows_.count(window) && windows_[window].minimised ? kShowMinimised : kShowNormal;
+    }
+    // As on the desktop the design came from: showing a minimised window
+    // leaves it minimised; only the normal show command restores it.
+    void SetShowCommand(WindowId window, ShowCommand command) override {
+        showCommands.push_back(command);
+        if (command == kShowNormal && windows_.count(window)) windows_[window].minimised = false;
+    }
+    void BringWindowToTop(WindowId window) override {
+        raised.push_back(window);
+        if (windows_.count(window)) foreground_ = window;
+    }
+    WindowId ForegroundWindow() override { return foreground_; }
+    QImage CaptureWindow(WindowId window) override {
+        ++captures;
+        if (onCapture) onCapture(captures);
+        return windows_.count(window) ? windows_[window].picture : QImage();
+    }
+
+    std::vector<WindowId> titlesRead;
+    std::vector<std::pair<WindowId, WindowRect>> moves;
+    std::vector<ShowCommand> showCommands;
+    std::vector<WindowId> raised;
+    int captures = 0;
+    std::function<void(int)> onCapture;
+
+  private:
+    // The child of `parent` after `previous` in the stacking list.
+    WindowId After(WindowId parent, WindowId previous, bool first) {
+        bool passed = first;
+        for (WindowId id : order_) {
+            if (windows_[id].parent != parent) continue;
+            if (passed) return id;
+            passed = id == previous;
+        }
+        return 0;
+    }
+
+    std::map<WindowId, FakeWindow> windows_;
+    std::vector<WindowId> order_;
+    WindowId nextId_ = 2;
+    WindowId foreground_ = 0;
+};
+
+// A board that records what the pass asks of it.
+class RecordingBoard : public ICaptureBoard {
+  public:
+    WindowId own = 0;
+    int previousSeat = 9;
+    int compactViews = 0;
+    int clears = 0;
+    std::vector<TextCells> shown;
+    std::vector<std::string> stops;
+
+    WindowId OwnWindow() override { return own; }
+    void EnterCompactView() override { ++compactViews; }
+    void ClearCards() override { ++clears; }
+    int PreviousSeat() override { return previousSeat; }
+    void ShowCapturedCards(const TextCells& cells) override { shown.push_back(cells); }
+    void StopCapture(const std::string& message) override { stops.push_back(message); }
+};
+
+}  // namespace felthawk

@@ -38,24 +38,23 @@ constexpr OutsByRank kOneHoleByPair = {{kOther, kOther, kOther, kOther, kOther, 
                                         12.5, 13.5, 15.0, 17.0, kOther},
                                        8.5};
 
-// The pocket pair leaf's tables, in the columns 2..14 and "other".
-//                           2       3       4       5     6     7      8      9      10
-constexpr OutsByRank kPocketA = {{kOther, kOther, kOther, 8.5, 9.0, 9.75, 10.5, 11.5, 12.5,
-                                  // J     Q      K     A
-                                  13.25, 13.75, 14.5, 16.0},
-                                 8.0};  // by P
-constexpr OutsByRank kPocketB = {
-    {kOther, kOther, kOther, 2.5, 2.5, 2.75, 2.75, 3.0, 3.25, 3.5, 4.0, 4.25, 5.0}, 2.0};  // by K1
-constexpr OutsByRank kPocketC = {
-    {kOther, kOther, kOther, kOther, 9.25, 9.5, 10.5, 11.0, 12.0, 13.0, 13.75, 14.5, 16.0},
-    8.5};  // by P
-constexpr OutsByRank kPocketE = {
-    {kOther, kOther, 8.5, 9.5, 10.0, 10.75, 11.2, 12.5, 13.0, 14.0, 15.5, 16.5, kOther},
-    0.0};  // by P
-constexpr OutsByRank kPocketF = {
-    {kOther, 8.1, 9.0, 9.5, 10.0, 11.0, 11.5, 12.5, 13.5, 14.5, 16.0, 17.0, kOther}, 0.0};  // by K1
-constexpr OutsByRank kPocketG = {
-    {kOther, 8.1, 9.0, 9.5, 10.0, 11.0, 12.0, 12.5, 13.5, 14.5, 15.0, 16.5, kOther}, 0.0};  // by K1
+// The pocket pair leaf's tables, by rank; kOther takes the last figure.
+// clang-format off
+//                                 2       3       4       5       6       7       8
+constexpr OutsByRank kPocketA = {{kOther, kOther, kOther, 8.5,    9.0,    9.75,   10.5,
+                                  11.5,   12.5,   13.25,  13.75,  14.5,   16.0},  8.0};  // by P
+//                                9       10      J       Q       K       A       other
+constexpr OutsByRank kPocketB = {{kOther, kOther, kOther, 2.5,    2.5,    2.75,   2.75,
+                                  3.0,    3.25,   3.5,    4.0,    4.25,   5.0},   2.0};  // by K1
+constexpr OutsByRank kPocketC = {{kOther, kOther, kOther, kOther, 9.25,   9.5,    10.5,
+                                  11.0,   12.0,   13.0,   13.75,  14.5,   16.0},  8.5};  // by P
+constexpr OutsByRank kPocketE = {{kOther, kOther, 8.5,    9.5,    10.0,   10.75,  11.2,
+                                  12.5,   13.0,   14.0,   15.5,   16.5,   kOther}, 0.0}; // by P
+constexpr OutsByRank kPocketF = {{kOther, 8.1,    9.0,    9.5,    10.0,   11.0,   11.5,
+                                  12.5,   13.5,   14.5,   16.0,   17.0,   kOther}, 0.0}; // by K1
+constexpr OutsByRank kPocketG = {{kOther, 8.1,    9.0,    9.5,    10.0,   11.0,   12.0,
+                                  12.5,   13.5,   14.5,   15.0,   16.5,   kOther}, 0.0}; // by K1
+// clang-format on
 
 // Goes through the seven cards in slot order: the first rank seen twice is
 // the pair, the last rank seen three times the trips, and every other rank

@@ -14,9 +14,9 @@ namespace {
 
 // libcurl wants one global set-up before the first handle; the program has
 // one thread, so the first transfer does it.
-void EnsureCurl() {
+bool CurlReady() {
     static const bool ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    (void)ready;
+    return ready;
 }
 
 // "mx.example.com:25:192.0.2.1,[2001:db8::1]": libcurl connects to these
@@ -93,10 +93,20 @@ SmtpTransfer::~SmtpTransfer() {
 }
 
 void SmtpTransfer::Start(const SmtpRequest& request) {
-    EnsureCurl();
     message_ = request.message;
-    easy_ = curl_easy_init();
-    multi_ = curl_multi_init();
+    if (CurlReady()) {
+        easy_ = curl_easy_init();
+        multi_ = curl_multi_init();
+    }
+    if (easy_ == nullptr || multi_ == nullptr) {
+        Release();
+        QTimer::singleShot(0, this, [this] {
+            SmtpOutcome outcome;
+            outcome.error = QStringLiteral("the mail library could not start");
+            emit finished(outcome);
+        });
+        return;
+    }
     resolve_ = curl_slist_append(nullptr, ResolveEntry(request).constData());
     recipients_ = curl_slist_append(nullptr, ('<' + request.rcptTo.toLatin1() + '>').constData());
 
@@ -184,7 +194,6 @@ void SmtpTransfer::Drive(int socket, int events) {
 }
 
 void SmtpTransfer::NoteReplyLine(const QByteArray& line) {
-    answered_ = true;
     // "550-first line" goes on; "550 last line" ends the reply.
     const bool continued = line.size() > 3 && line[3] == '-';
     pendingReply_ += (pendingReply_.isEmpty() ? "" : " ") + line;
@@ -195,7 +204,6 @@ void SmtpTransfer::NoteReplyLine(const QByteArray& line) {
 
 SmtpOutcome SmtpTransfer::Outcome(int curlCode) const {
     SmtpOutcome outcome;
-    outcome.answered = answered_;
     if (curlCode == CURLE_OK) {
         outcome.kind = SmtpOutcome::Kind::Delivered;
         return outcome;
@@ -213,12 +221,10 @@ SmtpOutcome SmtpTransfer::Outcome(int curlCode) const {
 
 void SmtpTransfer::Release() {
     timer_.stop();
-    if (multi_ != nullptr) {
-        curl_multi_remove_handle(multi_, easy_);
-        curl_easy_cleanup(easy_);
-        // Closes what is left, which may say goodbye to the server.
-        curl_multi_cleanup(multi_);
-    }
+    if (multi_ != nullptr) curl_multi_remove_handle(multi_, easy_);
+    curl_easy_cleanup(easy_);
+    // Closes what is left, which may say goodbye to the server.
+    curl_multi_cleanup(multi_);
     multi_ = nullptr;
     easy_ = nullptr;
     curl_slist_free_all(resolve_);

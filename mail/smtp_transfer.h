@@ -38,9 +38,8 @@ struct SmtpOutcome {
         Failed,     // no reply to speak of: no connection, a timeout, a dropped line
     };
     Kind kind = Kind::Failed;
-    QString reply;          // the refusing reply ("550 5.1.1 No such user") or ""
-    QString error;          // libcurl's account of what went wrong, or ""
-    bool answered = false;  // the server said anything at all
+    QString reply;  // the refusing reply ("550 5.1.1 No such user") or ""
+    QString error;  // libcurl's account of what went wrong, or ""
 };
 
 class SmtpTransfer : public QObject {
@@ -84,8 +83,7 @@ class SmtpTransfer : public QObject {
     qsizetype sent_ = 0;
     QByteArray pendingReply_;  // lines of a multi-line reply so far
     QByteArray refusal_;       // the last 4xx or 5xx reply
-    bool answered_ = false;
-    char error_[256] = {};  // CURL_ERROR_SIZE
+    char error_[256] = {};     // CURL_ERROR_SIZE
 };
 
 }  // namespace felthawk

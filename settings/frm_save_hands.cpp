@@ -15,7 +15,8 @@ constexpr int Px(int twips) {
     return twips / 15;
 }
 
-constexpr int kButtonWidth = 1215;
+// Both buttons end where the list does: "&Close" lines up with its right edge.
+constexpr int kButtonWidth = 855;
 constexpr int kButtonHeight = 375;
 
 }  // namespace
@@ -35,7 +36,7 @@ frmSaveHands::frmSaveHands(IDialogs& dialogs, QWidget* parent)
     Command1_->setObjectName(QStringLiteral("Command1"));
     Command1_->setGeometry(Px(90), Px(2385), Px(kButtonWidth), Px(kButtonHeight));
     cmdOK_->setObjectName(QStringLiteral("cmdOK"));
-    cmdOK_->setGeometry(Px(2100), Px(2385), Px(kButtonWidth - 255), Px(kButtonHeight));
+    cmdOK_->setGeometry(Px(2100), Px(2385), Px(kButtonWidth), Px(kButtonHeight));
 
     connect(Command1_, &QPushButton::clicked, this, &frmSaveHands::RemoveSelected);
     connect(cmdOK_, &QPushButton::clicked, this, &QDialog::accept);

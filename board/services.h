@@ -10,10 +10,11 @@ class QTimer;
 namespace felthawk {
 
 class frmFelthawk;
+class modresolution;
 
 // Version check and upgrade.
 class IUpdateService {
-public:
+  public:
     virtual ~IUpdateService() = default;
     // The silent check the splash runs when it becomes active.
     virtual void VersionProgram1(QWidget* splash) = 0;
@@ -23,7 +24,7 @@ public:
 
 // Rotating banners in the main window's banner view.
 class IBannerService {
-public:
+  public:
     virtual ~IBannerService() = default;
     // Called the first time the main window becomes active. The service
     // loads the banner list, shows banners in `view` and drives `timer`
@@ -33,7 +34,7 @@ public:
 
 // "Send to a Friend".
 class IMailService {
-public:
+  public:
     virtual ~IMailService() = default;
     // Shows the send-to-a-friend form, modal.
     virtual void ShowSendToFriend(QWidget* parent) = 0;
@@ -41,7 +42,7 @@ public:
 
 // One capture pass, run by tmr_Read every 2000 ms while capture is on.
 class ICaptureService {
-public:
+  public:
     virtual ~ICaptureService() = default;
     virtual void CapturePass(frmFelthawk& board) = 0;
 };
@@ -51,6 +52,8 @@ struct BoardServices {
     IBannerService* banners = nullptr;
     IMailService* mail = nullptr;
     ICaptureService* capture = nullptr;
+    // The display mode: noted and forced at start, put back at the end.
+    modresolution* display = nullptr;
 };
 
 }  // namespace felthawk

@@ -73,10 +73,13 @@ void DrawCard(QPainter& painter, std::string_view card, PixelPoint topLeft, int 
     if (card == kFaceDown) {
         painter.fillRect(inside, QColor::fromRgb(kCardBack));
         painter.setPen(QColor::fromRgb(kCardFace));
+        painter.setClipRect(inside);
         for (int d = -kCardHeight; d < width; d += 6) {
             painter.drawLine(inside.left() + d, inside.top(), inside.left() + d + kCardHeight,
                              inside.bottom());
         }
+        painter.setClipping(false);
+        painter.setPen(Qt::NoPen);
         return;
     }
     painter.fillRect(inside, QColor::fromRgb(kCardFace));

@@ -1,0 +1,94 @@
+#include "tests/capture/x11_session.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <string>
+
+namespace felthawk {
+namespace {
+
+constexpr int kStartTimeoutMs = 20000;
+
+}  // namespace
+
+XvfbServer::~XvfbServer() {
+    if (pid_ > 0) {
+        ::kill(pid_, SIGTERM);
+        ::waitpid(pid_, nullptr, 0);
+    }
+}
+
+bool XvfbServer::Start(std::string& error) {
+    int fds[2];
+    if (::pipe(fds) != 0) {
+        error = "cannot make a pipe for Xvfb";
+        return false;
+    }
+    pid_ = ::fork();
+    if (pid_ == 0) {
+        ::close(fds[0]);
+        const std::string fd = std::to_string(fds[1]);
+        ::execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1024x768x24",
+                 "-nolisten", "tcp", "-noreset", static_cast<char*>(nullptr));
+        ::_exit(127);
+    }
+    ::close(fds[1]);
+    if (pid_ < 0) {
+        ::close(fds[0]);
+        error = "cannot start Xvfb";
+        return false;
+    }
+    std::string number;
+    pollfd wait{fds[0], POLLIN, 0};
+    char c = 0;
+    while (::poll(&wait, 1, kStartTimeoutMs) > 0 && ::read(fds[0], &c, 1) == 1 && c != '\n') {
+        number.push_back(c);
+    }
+    ::close(fds[0]);
+    if (number.empty()) {
+        error = "Xvfb did not start (is the xvfb package installed?)";
+        return false;
+    }
+    display_ = ":" + number;
+    return true;
+}
+
+TableProcess::~TableProcess() {
+    Kill();
+}
+
+WindowId TableProcess::Start(const QStringList& arguments) {
+    process_.start(FELTHAWK_TABLE_PROGRAM, QStringList{"--commands"} + arguments);
+    if (!process_.waitForStarted(kStartTimeoutMs)) return 0;
+    window_ = WaitReady();
+    return window_;
+}
+
+bool TableProcess::Deal(const std::string& cells) {
+    process_.write(("cells " + cells + "\n").c_str());
+    return WaitReady() != 0;
+}
+
+void TableProcess::Kill() {
+    if (process_.state() == QProcess::NotRunning) return;
+    process_.kill();
+    process_.waitForFinished(kStartTimeoutMs);
+}
+
+WindowId TableProcess::WaitReady() {
+    while (true) {
+        while (process_.canReadLine()) {
+            const QString line = QString::fromUtf8(process_.readLine()).trimmed();
+            if (line.startsWith("ready ")) return line.mid(6).toUInt(nullptr, 16);
+            if (line.startsWith("error ")) return 0;
+        }
+        if (process_.state() != QProcess::Running || !process_.waitForReadyRead(kStartTimeoutMs)) {
+            return 0;
+        }
+    }
+}
+
+}  // namespace felthawk

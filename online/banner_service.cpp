@@ -145,15 +145,21 @@ bool BannerService::ShowBanner(const QString& fileName, const QString& refLink) 
 }
 
 void BannerService::ProvideRemotePicture(const QString& fileName) {
-    QImage picture;
-    try {
-        picture = QImage::fromData(inet_.OpenURL(fileName));
-    } catch (const TransferError&) {
-        return;  // the picture stays broken; the banner's link still works
+    // Each picture is fetched once: the list is never fetched again either,
+    // and a dead picture server must not hold the window at every turn.
+    auto cached = pictures_.find(fileName);
+    if (cached == pictures_.end()) {
+        QImage picture;
+        try {
+            picture = QImage::fromData(inet_.OpenURL(fileName));
+        } catch (const TransferError&) {
+            // The picture stays broken; the banner's link still works.
+        }
+        cached = pictures_.emplace(fileName, picture).first;
     }
-    if (picture.isNull()) return;
+    if (cached->second.isNull()) return;
     QTextDocument* document = view_->document();
-    document->addResource(QTextDocument::ImageResource, QUrl(fileName), picture);
+    document->addResource(QTextDocument::ImageResource, QUrl(fileName), cached->second);
     document->markContentsDirty(0, document->characterCount());
 }
 

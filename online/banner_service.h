@@ -3,9 +3,11 @@
 // banner view, each for its own time.
 #pragma once
 
+#include <QImage>
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <map>
 
 #include "board/services.h"
 #include "online/banners.h"
@@ -71,6 +73,8 @@ class BannerService : public QObject, public IBannerService {
     OnlineConfig config_;
     Inet inet_;
     Banners banners_;
+    // Remote pictures by URL; a null image for one that could not be had.
+    std::map<QString, QImage> pictures_;
     // A fresh form's position is 0; the first tick makes it 1.
     qint16 position_ = 0;
     bool loaded_ = false;

@@ -134,6 +134,10 @@ TEST(Banners, TwoBannersRotateOnTheirOwnIntervals) {
         EXPECT_TRUE(strip.board.timer.isActive());
     }
 
+    // The list once, and each picture once however often it shows.
+    EXPECT_EQ(server.Requests().toStdString(),
+              "/member/banners/banner.php /pics/one.png /pics/two.png");
+
     // The compact window shows the small pictures.
     strip.board.small->show();
     strip.service.Timer1();
@@ -220,18 +224,18 @@ TEST(Banners, ListsThatStopOrNeverStartTheStrip) {
     }
 }
 
-TEST(Banners, LoadsOnlyOnce) {
+TEST(Banners, LoadsOnlyOnceAndGivesUpOnADeadPictureOnce) {
     TestServer server;
     QTemporaryDir folder;
+    const QString dead = server.Base(QStringLiteral("hang/")) + QStringLiteral("dead.png");
     server.Put(QString::fromLatin1(kBannerListPath),
-               "<b>" + BannerEntry("a.png", "s.png", "5", "r") + "</b>");
-    Strip strip(server.Base(), folder.path());
-    server.Put(QString::fromLatin1(kBannerListPath), "<b/>");
+               "<b>" + BannerEntry(dead, "s.png", "5", "r") + "</b>");
+    Strip strip(server.Base(), folder.path(), 300);
     strip.service.LoadBanners(&strip.board.window, strip.board.view, &strip.board.timer);
+    for (int tick = 0; tick < 3; ++tick) strip.service.Timer1();
     EXPECT_EQ(strip.service.List().Count(), 1);
-    QSignalSpy ticks(&strip.board.timer, &QTimer::timeout);
-    ASSERT_TRUE(ticks.wait(3000));
-    EXPECT_EQ(strip.board.timer.interval(), 5000);
+    EXPECT_EQ(TempPage(folder), Page(dead, QStringLiteral("r")));
+    EXPECT_EQ(server.Requests().toStdString(), "/member/banners/banner.php /hang/dead.png");
 }
 
 TEST(SampleServerTree, IsReadAsDeployed) {

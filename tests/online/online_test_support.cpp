@@ -67,6 +67,18 @@ void TestServer::PutTree(const QString& folder) const {
     }
 }
 
+QString TestServer::Requests() {
+    // The server writes each path before it answers, so a short wait
+    // collects everything that was asked for by now.
+    while (process_.waitForReadyRead(200)) {
+    }
+    while (process_.canReadLine()) {
+        const QString line = QString::fromUtf8(process_.readLine().trimmed());
+        if (!line.isEmpty()) requests_ << line;
+    }
+    return requests_.join(u' ');
+}
+
 QString TestServer::Base(const QString& prefix) const {
     return QStringLiteral("http://127.0.0.1:%1/%2").arg(port_).arg(prefix);
 }

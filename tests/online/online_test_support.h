@@ -55,11 +55,14 @@ class TestServer {
     // "http://127.0.0.1:<port>/" followed by `prefix` ("", "hang/", "slow/").
     QString Base(const QString& prefix = {}) const;
     int Port() const { return port_; }
+    // The paths asked for so far, in order, joined by blanks.
+    QString Requests();
 
   private:
     QTemporaryDir root_;
     QProcess process_;
     int port_ = 0;
+    QStringList requests_;
 };
 
 // A loopback port that nothing listens on.

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """A loopback HTTP server for the online tests.
 
-Serves the folder given as its argument and prints the port it listens on.
-Below /slow/ every path answers after a second; below /hang/ nothing ever
+Serves the folder given as its argument, prints the port it listens on,
+then the path of every request as it arrives. Below /slow/ every path answers after a second; below /hang/ nothing ever
 answers. It ends when its standard input closes, so it never outlives the
 test that started it."""
 import http.server
@@ -13,6 +13,7 @@ import time
 
 class Handler(http.server.SimpleHTTPRequestHandler):
     def do_GET(self):
+        print(self.path, flush=True)
         if self.path.startswith("/hang/"):
             time.sleep(3600)
             return

@@ -267,20 +267,5 @@ TEST(DownloadFile, RefusesWhileATransferIsRunning) {
     EXPECT_EQ(ReadFile(folder.filePath(QStringLiteral("FHawk.msi"))), QByteArray("late"));
 }
 
-TEST(FileNameOfUrl, AfterTheLastSlash) {
-    const struct {
-        const char* url;
-        const char* name;
-    } cases[] = {
-        {"http://h/member/downloads/FHawk.msi", "FHawk.msi"},
-        {"http://h/a/b/", ""},
-        {"FHawk.msi", ""},
-        {"", ""},
-        {"/x", "x"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(FileNameOfUrl(QString::fromUtf8(c.url)), QString::fromUtf8(c.name)) << c.url;
-}
-
 }  // namespace
 }  // namespace felthawk

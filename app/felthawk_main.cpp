@@ -8,6 +8,10 @@
 
 #include "board/frm_felthawk.h"
 #include "board/services.h"
+#include "mail/mail_service.h"
+#include "online/banner_service.h"
+#include "online/desktop.h"
+#include "online/update_service.h"
 #include "settings/dialogs.h"
 #include "settings/display_mode.h"
 
@@ -53,6 +57,14 @@ int main(int argc, char* argv[]) {
     felthawk::XRandrDisplayModes displayModes;
     felthawk::modresolution display(displayModes);
     services.display = &display;
+    felthawk::QtDesktop desktop;
+    const felthawk::OnlineConfig online = felthawk::OnlineConfig::FromEnvironment();
+    felthawk::UpdateService update(dialogs, desktop, online);
+    services.update = &update;
+    felthawk::BannerService banners(desktop, online);
+    services.banners = &banners;
+    felthawk::MailService mail(dialogs);
+    services.mail = &mail;
 
     felthawk::frmFelthawk window(services, dialogs);
     CloseOnSignals(window);

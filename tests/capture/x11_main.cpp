@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "tests/capture/temp_folder.h"
 #include "tests/capture/x11_session.h"
 
 namespace felthawk {
@@ -20,6 +21,9 @@ class X11Environment : public ::testing::Environment {
         ASSERT_TRUE(server_.Start(error)) << error;
         ::setenv("DISPLAY", server_.Display().c_str(), 1);
         ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+        // Settings and per-user files of the program stay inside the test.
+        ::setenv("XDG_CONFIG_HOME", home_.path().c_str(), 1);
+        ::setenv("XDG_DATA_HOME", home_.path().c_str(), 1);
         app_ = std::make_unique<QApplication>(argc_, argv_);
     }
     void TearDown() override { app_.reset(); }
@@ -28,6 +32,7 @@ class X11Environment : public ::testing::Environment {
     int argc_;
     char** argv_;
     XvfbServer server_;
+    TempFolder home_;
     std::unique_ptr<QApplication> app_;
 };
 

@@ -1,0 +1,209 @@
+// Cards on the board: the mouse, the drop, the keyboard, and what the labels
+// show afterwards compared with the engine run on the same table.
+#include <QLabel>
+
+#include "board/gauge_line.h"
+#include "cards/suggestion.h"
+#include "tests/board/board_fixture.h"
+
+namespace felthawk::testing {
+namespace {
+
+using Cells7 = std::vector<std::string>;
+
+// What the engine shows for a table, computed apart from the window.
+DisplayModel EngineView(const frmFelthawk& form, const TextCells& cells) {
+    CalcState state;
+    for (int seat = 0; seat < kSeatCount; ++seat) state.gSeats[seat] = form.State().gSeats[seat];
+    state.gDealerSeat = form.State().gDealerSeat;
+    return RecalculateHand(state, cells);
+}
+
+TextCells Table(const Cells7& cells) {
+    TextCells table;
+    for (std::size_t i = 0; i < cells.size(); ++i) table[i] = cells[i];
+    return table;
+}
+
+TEST_F(BoardTest, PreFlopHandGoesFromClickToAdvice) {
+    Start();
+    Click(kSpadesRow, 14, kRightButton);
+    EXPECT_EQ(Cells(), (Cells7{"AS", "", "", "", "", "", ""}));
+    EXPECT_EQ(form->CellImage(1)->GetPicture().name, "AS");
+    EXPECT_EQ(form->DeckImage(kSpadesRow, 14)->GetPicture().name, kBlankPicture);
+    EXPECT_EQ(Text("lP", 0), "") << "one card shows nothing";
+    EXPECT_EQ(Text("l_Me"), "");
+
+    Click(kSpadesRow, 13, kRightButton);
+    const DisplayModel expected = EngineView(*form, Table({"AS", "KS"}));
+    ASSERT_EQ(expected.stage, kPreFlopStage);
+    ASSERT_TRUE(expected.hasStrength);
+    for (int i = 0; i < kHandClassCount; ++i) {
+        EXPECT_EQ(Text("lP", i).toStdString(), expected.chances[i]) << "row " << i;
+    }
+    EXPECT_FALSE(Text("lP", kPair).isEmpty());
+    EXPECT_EQ(Text("l_Me").toStdString(), std::to_string(expected.strength) + " %");
+    EXPECT_EQ(
+        Text("lblSuggestion").toStdString(),
+        std::string(*SuggestionText(static_cast<uint8_t>(expected.strength), kSuggestPreFlop)));
+    EXPECT_DOUBLE_EQ(form->Gauge()->X2(), GaugeEndPoint(expected.strength, 31));
+    EXPECT_GT(form->Gauge()->X2(), 900.0);
+    // The compact view mirrors both captions.
+    EXPECT_EQ(Text("LBLPERCENTSMALL"), Text("l_Me"));
+    EXPECT_EQ(Text("LBLSUG"), Text("lblSuggestion"));
+}
+
+TEST_F(BoardTest, ClickAndDragWithTheLeftButtonPlaceCards) {
+    Start();
+    Click(kHeartsRow, 10, kLeftButton);
+    EXPECT_EQ(Cells()[0], "TH");
+    // A press, a move and a drop on cell 5: the card lands there, the
+    // release elsewhere places nothing more.
+    form->DeckMouseDown(kClubsRow, 2, kLeftButton, 30, 45);
+    EXPECT_TRUE(form->DeckImage(kClubsRow, 2)->Dragging());
+    form->CellDragDrop(5, form->DeckImage(kClubsRow, 2));
+    form->DeckMouseUp(kClubsRow, 2, kLeftButton, 180, 60);
+    EXPECT_FALSE(form->DeckImage(kClubsRow, 2)->Dragging());
+    EXPECT_EQ(Cells(), (Cells7{"TH", "", "", "", "2C", "", ""}));
+    EXPECT_EQ(form->CellImage(5)->GetPicture().name, "2C");
+}
+
+TEST_F(BoardTest, DropOnAFilledCellReplacesItWithoutRecalculating) {
+    Start();
+    Click(kSpadesRow, 14, kRightButton);
+    Click(kSpadesRow, 13, kRightButton);
+    const QString before = Text("l_Me");
+    ASSERT_FALSE(before.isEmpty());
+
+    form->DeckMouseDown(kClubsRow, 2, kLeftButton, 0, 0);
+    form->CellDragDrop(1, form->DeckImage(kClubsRow, 2));
+    EXPECT_EQ(Cells()[0], "2C");
+    EXPECT_EQ(form->CellImage(1)->GetPicture().name, "2C");
+    EXPECT_EQ(Text("l_Me"), before) << "the board waits for the next recalculation";
+    EXPECT_EQ(form->DeckImage(kSpadesRow, 14)->GetPicture().name, kBlankPicture)
+        << "the overwritten ace's slot stays blank";
+
+    form->RecalculateHand();
+    EXPECT_EQ(Text("l_Me").toStdString(), EngineView(*form, Table({"2C", "KS"})).me);
+}
+
+TEST_F(BoardTest, TogglingOffLeavesAHoleThatTheNextCardFills) {
+    Start();
+    Click(kSpadesRow, 14, kRightButton);
+    Click(kSpadesRow, 13, kRightButton);
+    Click(kSpadesRow, 12, kRightButton);
+    Click(kSpadesRow, 13, kRightButton);  // off again
+    EXPECT_EQ(Cells(), (Cells7{"AS", "", "QS", "", "", "", ""}));
+    EXPECT_EQ(form->DeckImage(kSpadesRow, 13)->GetPicture().name, "KS");
+    EXPECT_EQ(form->CellImage(2)->GetPicture().name, kBlankPicture);
+    EXPECT_EQ(Text("l_Me"), "") << "a gap selects no stage";
+    EXPECT_FALSE(Text("lP", 0).isEmpty()) << "but two known cards show chances";
+
+    Click(kDiamondsRow, 9, kRightButton);
+    EXPECT_EQ(Cells(), (Cells7{"AS", "9D", "QS", "", "", "", ""}));
+}
+
+TEST_F(BoardTest, AnEighthCardStaysInTheDeck) {
+    Start();
+    for (int rank = 2; rank <= 8; ++rank) Click(kHeartsRow, rank, kRightButton);
+    Click(kClubsRow, 14, kRightButton);
+    EXPECT_EQ(Cells(), (Cells7{"2H", "3H", "4H", "5H", "6H", "7H", "8H"}));
+    EXPECT_EQ(form->DeckImage(kClubsRow, 14)->GetPicture().name, "AC");
+}
+
+TEST_F(BoardTest, PressOnACellTakesItsCardBack) {
+    Start();
+    Type("ASKDQH");
+    form->CellMouseDown(2, kMiddleButton);
+    EXPECT_EQ(Cells(), (Cells7{"AS", "", "QH", "", "", "", ""}));
+    EXPECT_EQ(form->DeckImage(kDiamondsRow, 13)->GetPicture().name, "KD");
+    form->CellMouseDown(2, kLeftButton);  // empty: nothing
+    EXPECT_EQ(Cells(), (Cells7{"AS", "", "QH", "", "", "", ""}));
+}
+
+// Which logical action each physical button takes under each setting.
+struct ButtonCase {
+    const char* mouse;
+    int button;
+    bool toggles;  // the press alone places the card
+    bool drags;    // the press arms a drag
+};
+
+TEST_F(BoardTest, TheMouseSettingMapsTheButtons) {
+    const ButtonCase cases[] = {
+        {"LEFT", kLeftButton, false, true},    {"LEFT", kRightButton, true, false},
+        {"LEFT", kMiddleButton, false, false}, {"RIGHT", kLeftButton, true, false},
+        {"RIGHT", kRightButton, false, true},  {"RIGHT", kMiddleButton, true, false},
+    };
+    for (const ButtonCase& c : cases) {
+        SCOPED_TRACE(std::string(c.mouse) + " button " + std::to_string(c.button));
+        StoreSettings(QStringLiteral("80"), QString::fromLatin1(c.mouse));
+        Start();
+        form->DeckMouseDown(kSpadesRow, 7, c.button, 15, 15);
+        EXPECT_EQ(Cells()[0] == "7S", c.toggles);
+        EXPECT_EQ(form->DeckImage(kSpadesRow, 7)->Dragging(), c.drags);
+    }
+}
+
+struct KeyCase {
+    std::vector<int> keys;
+    Cells7 cells;
+};
+
+TEST_F(BoardTest, TypedRanksAndSuitsPlaceCards) {
+    const KeyCase cases[] = {
+        {{'1', '0', 'D'}, {"TD", "", "", "", "", "", ""}},
+        {{'1', 'S'}, {"", "", "", "", "", "", ""}},
+        {{'0'}, {"", "", "", "", "", "", ""}},
+        {{'0', 'H'}, {"", "", "", "", "", "", ""}},
+        {{'A', 'S', 'H'}, {"AS", "AH", "", "", "", "", ""}},
+        {{'9', '1', '0', 'C'}, {"TC", "", "", "", "", "", ""}},
+        {{'Q', 'X', 'C'}, {"QC", "", "", "", "", "", ""}},
+        {{96 + 7, 'C', 96 + 1, 96 + 0, 'S'}, {"7C", "TS", "", "", "", "", ""}},
+        {{'K', 'D', 'Q', 'D', 8}, {"KD", "", "", "", "", "", ""}},
+        {{8}, {"", "", "", "", "", "", ""}},
+    };
+    for (const KeyCase& c : cases) {
+        Start();
+        for (int key : c.keys) form->KeyDown(key);
+        EXPECT_EQ(Cells(), c.cells) << "keys starting " << c.keys.front();
+    }
+}
+
+TEST_F(BoardTest, TheFlopSetMessageIsShownOnce) {
+    Start();
+    Type("7S7H7DKC2H");
+    EXPECT_EQ(dialogs.messages, std::vector<QString>{QStringLiteral("one high and one low")});
+    EXPECT_FALSE(Text("l_Me").isEmpty());
+}
+
+TEST_F(BoardTest, ARiverHandMatchesTheEngine) {
+    Start();
+    Type("ASKSQSJS2D9H3C");
+    const DisplayModel expected = EngineView(*form, Table(Cells()));
+    EXPECT_EQ(expected.stage, kRiverStage);
+    EXPECT_EQ(Text("l_Me").toStdString(), expected.me);
+    EXPECT_EQ(Text("lblSuggestion").toStdString(), expected.suggestion);
+    EXPECT_DOUBLE_EQ(form->Gauge()->X2(), expected.gaugeX2);
+    // Backspace takes the river back: the turn is shown.
+    form->KeyDown(8);
+    EXPECT_EQ(Text("l_Me").toStdString(), EngineView(*form, Table(Cells())).me);
+    EXPECT_EQ(Cells()[6], "");
+}
+
+TEST_F(BoardTest, NewHandReturnsEveryCard) {
+    Start();
+    Type("ASKSQSJS2D");
+    form->KeyDown(113);  // F2
+    EXPECT_EQ(Cells(), Cells7(7, ""));
+    for (int row = 0; row < kDeckRows; ++row) {
+        for (int rank = kLowRank; rank <= kHighRank; ++rank) {
+            EXPECT_NE(form->DeckImage(row, rank)->GetPicture().name, kBlankPicture);
+        }
+    }
+    EXPECT_EQ(Text("lblSuggestion"), "");
+    EXPECT_DOUBLE_EQ(form->Gauge()->X2(), 900.0);
+}
+
+}  // namespace
+}  // namespace felthawk::testing

@@ -1,0 +1,85 @@
+// The board under test: a real main window on the offscreen platform, with
+// dialogs answered from a script and the settings in a temporary folder.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <QSettings>
+#include <QString>
+
+#include "board/frm_felthawk.h"
+#include "settings/dialogs.h"
+
+namespace felthawk::testing {
+
+class ScriptedDialogs : public IDialogs {
+  public:
+    std::deque<QString> answers;  // input box answers; empty: cancelled
+    std::vector<QString> prompts;
+    std::vector<QString> messages;
+
+    QString InputBox(QWidget*, const QString& prompt, const QString&, const QString&,
+                     bool* accepted) override {
+        prompts.push_back(prompt);
+        const bool have = !answers.empty();
+        if (accepted != nullptr) *accepted = have;
+        if (!have) return QString();
+        QString answer = answers.front();
+        answers.pop_front();
+        return answer;
+    }
+    void MessageBox(QWidget*, const QString& text, const QString&, MessageIcon) override {
+        messages.push_back(text);
+    }
+    bool AskYesNo(QWidget*, const QString& text, const QString&) override {
+        messages.push_back(text);
+        return false;
+    }
+};
+
+// Writes the two preferences the window reads at start.
+inline void StoreSettings(const QString& transparency, const QString& mouse) {
+    QSettings store(QStringLiteral("FELTHAWK"), QStringLiteral("FELTHAWK"));
+    store.beginGroup(QStringLiteral("SETTINGS"));
+    store.setValue(QStringLiteral("MTRANS"), transparency);
+    store.setValue(QStringLiteral("MOUSE"), mouse);
+}
+
+class BoardTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        QSettings(QStringLiteral("FELTHAWK"), QStringLiteral("FELTHAWK")).clear();
+    }
+
+    // Builds and starts the window; settings written before this count.
+    frmFelthawk& Start() {
+        form = std::make_unique<frmFelthawk>(services, dialogs);
+        form->FormLoad(false);
+        return *form;
+    }
+
+    // A click without movement of the given button on a deck image.
+    void Click(int row, int rank, int button) {
+        form->DeckMouseDown(row, rank, button, 30, 45);
+        form->DeckMouseUp(row, rank, button, 30, 45);
+    }
+    // Types keys one by one: letters and digits as themselves.
+    void Type(const std::string& keys) {
+        for (char key : keys) form->KeyDown(key);
+    }
+
+    QString Text(const char* name, int index = -1) const;
+    std::vector<std::string> Cells() const {
+        return std::vector<std::string>(form->mCards.begin(), form->mCards.end());
+    }
+
+    ScriptedDialogs dialogs;
+    BoardServices services;
+    std::unique_ptr<frmFelthawk> form;
+};
+
+}  // namespace felthawk::testing

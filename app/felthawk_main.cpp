@@ -8,6 +8,7 @@
 
 #include "board/frm_felthawk.h"
 #include "board/services.h"
+#include "mail/mail_service.h"
 #include "online/banner_service.h"
 #include "online/desktop.h"
 #include "online/update_service.h"
@@ -62,6 +63,8 @@ int main(int argc, char* argv[]) {
     services.update = &update;
     felthawk::BannerService banners(desktop, online);
     services.banners = &banners;
+    felthawk::MailService mail(dialogs);
+    services.mail = &mail;
 
     felthawk::frmFelthawk window(services, dialogs);
     CloseOnSignals(window);

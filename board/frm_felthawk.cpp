@@ -95,7 +95,7 @@ QLabel* MakeLabel(QWidget* parent, const QString& name, const QString& caption, 
     label->setObjectName(name);
     label->setGeometry(TwipRect(left, top, width, height));
     QFont font(QStringLiteral("DejaVu Sans"));
-    font.setPixelSize(Px(height) - 2);
+    font.setPixelSize(Px(height) - 3);
     font.setBold(bold);
     label->setFont(font);
     QPalette palette = label->palette();

@@ -187,28 +187,32 @@ TEST(Banners, UnreadableListGivesTheDefaultBanner) {
     }
 }
 
-TEST(Banners, ListsThatStopOrNeverStartTheStrip) {
+TEST(Banners, DurationsAndListsThatStopOrNeverStartTheStrip) {
     TestServer server;
+    auto one = [](const char* duration) {
+        return "<b>" + BannerEntry("a.png", "s.png", duration, "http://r/") + "</b>";
+    };
     const struct {
         const char* name;
         QByteArray list;
         int count;
         bool started;
-        bool runsAfterFirstBanner;
+        int intervalAfterFirstBanner;  // 0: the timer has stopped
     } cases[] = {
-        // A duration of 0 stops the timer once the banner shows.
-        {"duration 0", "<b>" + BannerEntry("a.png", "s.png", "0", "http://r/") + "</b>", 1, true,
-         false},
+        {"duration 5", one("5"), 1, true, 5000},
+        {"duration 0 stops", one("0"), 1, true, 0},
+        // Beyond 65 seconds: the timer takes it.
+        {"duration 70", one("70"), 1, true, 70000},
+        // A negative interval is refused and the old one stays.
+        {"duration -5", one("-5"), 1, true, kFirstBannerMs},
         // Parsed but empty: the timer runs and nothing is ever shown.
-        {"no banners", "<banners/>", 0, true, true},
-        {"bad duration", "<b>" + BannerEntry("a.png", "s.png", "soon", "http://r/") + "</b>", 1,
-         false, false},
+        {"no banners", "<banners/>", 0, true, kFirstBannerMs},
+        {"bad duration", one("soon"), 1, false, 0},
         // A banner short of its link, then the default banner under "A1".
-        {"short banner", "<b><x><p>a.png</p><s>s</s><d>5</d></x></b>", 2, true, true},
+        {"short banner", "<b><x><p>a.png</p><s>s</s><d>5</d></x></b>", 2, true, 5000},
         // The default banner's key is taken by the second banner: no strip.
         {"short second banner",
-         "<b>" + BannerEntry("a.png", "s.png", "5", "r") + "<x><p>b.png</p></x></b>", 2, false,
-         false},
+         "<b>" + BannerEntry("a.png", "s.png", "5", "r") + "<x><p>b.png</p></x></b>", 2, false, 0},
     };
     for (const auto& c : cases) {
         server.Put(QString::fromLatin1(kBannerListPath), c.list);
@@ -220,7 +224,8 @@ TEST(Banners, ListsThatStopOrNeverStartTheStrip) {
         strip.service.Timer1();
         EXPECT_EQ(QFile::exists(folder.filePath(QStringLiteral("temp.htm"))), c.count > 0)
             << c.name;
-        EXPECT_EQ(strip.board.timer.isActive(), c.runsAfterFirstBanner) << c.name;
+        const int interval = strip.board.timer.isActive() ? strip.board.timer.interval() : 0;
+        EXPECT_EQ(interval, c.intervalAfterFirstBanner) << c.name;
     }
 }
 

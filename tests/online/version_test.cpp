@@ -4,6 +4,7 @@
 #include <QTemporaryDir>
 
 #include "online/app_version.h"
+#include "online/online_config.h"
 #include "online/transfer.h"
 #include "online/xml_document.h"
 #include "online_test_support.h"
@@ -107,6 +108,24 @@ TEST(XmlDocument, KeepsEveryNodeButWhitespaceInOrder) {
     EXPECT_EQ(list.childNodes[0].Text(), QStringLiteral("one two"));
     EXPECT_EQ(list.childNodes[2].Text(), QStringLiteral("c"));
     EXPECT_EQ(list.Text(), QStringLiteral("one two\n text"));
+}
+
+TEST(OnlineConfig, ServerFromTheEnvironmentOverTheDefault) {
+    const struct {
+        const char* environment;
+        const char* versionUrl;
+    } cases[] = {
+        {"http://127.0.0.1:8080/", "http://127.0.0.1:8080/member/VersionCheck/Version.xml"},
+        {"http://h/base", "http://h/base/member/VersionCheck/Version.xml"},
+        {"", FELTHAWK_SERVER_DEFAULT "member/VersionCheck/Version.xml"},
+    };
+    for (const auto& c : cases) {
+        qputenv("FELTHAWK_SERVER", c.environment);
+        EXPECT_EQ(OnlineConfig::FromEnvironment().ServerUrl(
+                      QStringLiteral("member/VersionCheck/Version.xml")),
+                  QString::fromUtf8(c.versionUrl))
+            << c.environment;
+    }
 }
 
 }  // namespace

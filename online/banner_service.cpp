@@ -65,7 +65,7 @@ BannerService::BannerService(IDesktop& desktop, OnlineConfig config)
     : desktop_(desktop), config_(std::move(config)), inet_(config_.fetchTimeoutMs) {}
 
 void BannerService::LoadBanners(QWidget* window, QTextBrowser* view, QTimer* timer) {
-    if (loaded_) return;
+    if (loaded_ || !view || !timer) return;
     loaded_ = true;
     window_ = window;
     view_ = view;
@@ -95,7 +95,8 @@ void BannerService::LoadBanners(QWidget* window, QTextBrowser* view, QTimer* tim
     } catch (const std::exception&) {
         return;
     }
-    timer->start();
+    // The window may have gone while the list was on its way.
+    if (timer_) timer_->start();
 }
 
 void BannerService::AddDefaultBanner() {
@@ -115,7 +116,7 @@ void BannerService::Timer1() {
         if (auto* picture = window_->findChild<QWidget*>(QStringLiteral("Picture1")))
             picture->show();
     }
-    SetInterval(*timer_, banner.Duration * 1000);
+    if (timer_) SetInterval(*timer_, banner.Duration * 1000);
     if (++position_ > banners_.Count()) position_ = 1;
 }
 

@@ -1,7 +1,9 @@
 // The real felthawk program on a real X server: it starts, shows its window,
-// takes typed cards, turns see-through on F3 and closes on SIGTERM. The test
+// takes cards typed, dragged and clicked, turns see-through on F3 and closes
+// on SIGTERM. The test
 // starts its own Xvfb and leaves a screenshot of the hand beside itself
-// (felthawk-window.png in the test's working folder).
+// on the flop and on the river (felthawk-flop.png, felthawk-window.png in the
+// test's working folder).
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -114,6 +116,42 @@ void TypeKey(xcb_connection_t* x, xcb_keysym_t keysym) {
     std::this_thread::sleep_for(60ms);
 }
 
+// Moves the pointer to a point of the root window.
+void MoveTo(xcb_connection_t* x, xcb_window_t root, QPoint at) {
+    xcb_test_fake_input(x, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root,
+                        static_cast<int16_t>(at.x()), static_cast<int16_t>(at.y()), 0);
+    xcb_flush(x);
+    std::this_thread::sleep_for(40ms);
+}
+
+void Button(xcb_connection_t* x, uint8_t type, uint8_t button) {
+    xcb_test_fake_input(x, type, button, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    xcb_flush(x);
+    std::this_thread::sleep_for(80ms);
+}
+
+// Where a point of the board (the window below its menu bar) is on the root.
+QPoint OnRoot(xcb_connection_t* x, xcb_window_t window, xcb_window_t root, int menuBar,
+              QPoint board) {
+    auto* reply = xcb_translate_coordinates_reply(
+        x, xcb_translate_coordinates(x, window, root, 0, 0), nullptr);
+    QPoint origin;
+    if (reply != nullptr) origin = QPoint(reply->dst_x, reply->dst_y);
+    free(reply);
+    return origin + QPoint(0, menuBar) + board;
+}
+
+// The centre of a card picture at a place of the design, in board pixels.
+QPoint CardCentre(int leftTwips, int topTwips) {
+    return QPoint(Px(leftTwips) + 9, Px(topTwips) + 15);
+}
+
+// Whether the card picture at a place of the board shows a face: near white
+// beside the suit sign, where an empty cell is dark felt.
+bool FaceAt(const QImage& shot, int menuBar, int leftTwips, int topTwips) {
+    return shot.pixelColor(Px(leftTwips) + 2, menuBar + Px(topTwips) + 16).lightness() > 200;
+}
+
 // The window's opacity as a fraction, or nothing when the property is unset.
 std::optional<double> Opacity(const std::string& display, xcb_window_t window) {
     QProcess xprop;
@@ -192,19 +230,37 @@ TEST(Program, ShowsTheBoardTakesAHandAndTurnsSeeThroughOnF3) {
     for (xcb_keysym_t key : {'a', 's', 'k', 's', 'q', 's', 'j', 's', '2', 'd'}) TypeKey(x, key);
     std::this_thread::sleep_for(700ms);
 
-    const QImage shot = Screenshot(x, *window);
+    QImage shot = Screenshot(x, *window);
     ASSERT_FALSE(shot.isNull());
     EXPECT_EQ(shot.width(), 674);
-    EXPECT_GE(shot.height(), 533);
-    EXPECT_TRUE(shot.save(QStringLiteral("felthawk-window.png")));
-    // The first hole card stands at (262, 322) of the board, below the menu
-    // bar: its face is near white beside the suit sign once the keys have
-    // placed it, where the empty cell is dark felt.
+    ASSERT_GE(shot.height(), 533);
     const int menuBar = shot.height() - 533;
-    const QColor face = shot.pixelColor(262 + 2, menuBar + 322 + 16);
-    EXPECT_GT(face.lightness(), 200) << "the typed ace is not on the table";
-    const QColor flop = shot.pixelColor(Px(4215) + 2, menuBar + Px(5940) + 16);
-    EXPECT_GT(flop.lightness(), 200) << "the typed flop is not on the table";
+    EXPECT_TRUE(shot.save(QStringLiteral("felthawk-flop.png")));
+    // The user's cards stand at seat 0, the flop from the third cell on.
+    EXPECT_TRUE(FaceAt(shot, menuBar, 3930, 4830)) << "the typed ace is not on the table";
+    EXPECT_TRUE(FaceAt(shot, menuBar, 4215, 5940)) << "the typed flop is not on the table";
+    EXPECT_FALSE(FaceAt(shot, menuBar, 5181, 5940)) << "the turn is still empty";
+
+    // The turn by the mouse: a left drag of the nine of hearts onto the
+    // turn's cell. The river: a right click on the three of clubs.
+    MoveTo(x, root, OnRoot(x, *window, root, menuBar, CardCentre(5370 + 7 * 345, 2520)));
+    Button(x, XCB_BUTTON_PRESS, 1);
+    const QPoint from = OnRoot(x, *window, root, menuBar, CardCentre(5370 + 7 * 345, 2520));
+    const QPoint to = OnRoot(x, *window, root, menuBar, CardCentre(5181, 5940));
+    for (int step = 1; step <= 10; ++step) MoveTo(x, root, from + (to - from) * step / 10);
+    Button(x, XCB_BUTTON_RELEASE, 1);
+    MoveTo(x, root, OnRoot(x, *window, root, menuBar, CardCentre(5370 + 345, 3120)));
+    Button(x, XCB_BUTTON_PRESS, 3);
+    Button(x, XCB_BUTTON_RELEASE, 3);
+    MoveTo(x, root, OnRoot(x, *window, root, menuBar, QPoint(660, 520)));
+    std::this_thread::sleep_for(500ms);
+
+    shot = Screenshot(x, *window);
+    EXPECT_TRUE(shot.save(QStringLiteral("felthawk-window.png")));
+    EXPECT_TRUE(FaceAt(shot, menuBar, 5181, 5940)) << "the dragged nine is not on the turn";
+    EXPECT_TRUE(FaceAt(shot, menuBar, 5505, 5940)) << "the clicked three is not on the river";
+    EXPECT_FALSE(FaceAt(shot, menuBar, 5370 + 7 * 345, 2520))
+        << "the nine's deck slot is not blank";
 
     EXPECT_FALSE(Opacity(screen.Name(), *window).has_value()) << "opaque at start";
     TypeKey(x, 0xffc0);  // F3, at the default setting of 80

@@ -1,9 +1,8 @@
 // The real felthawk program on a real X server: it starts, shows its window,
 // takes cards typed, dragged and clicked, turns see-through on F3 and closes
-// on SIGTERM. The test
-// starts its own Xvfb and leaves a screenshot of the hand beside itself
-// on the flop and on the river (felthawk-flop.png, felthawk-window.png in the
-// test's working folder).
+// on SIGTERM. The test starts its own Xvfb and leaves screenshots of the hand
+// on the flop and on the river beside itself (felthawk-flop.png,
+// felthawk-window.png in the test's working folder).
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>

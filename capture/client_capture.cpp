@@ -6,6 +6,7 @@
 #include <QStandardPaths>
 #include <cctype>
 #include <cmath>
+#include <fstream>
 
 #include "capture/client_layout.h"
 #include "capture/compare_files.h"
@@ -148,8 +149,10 @@ void ClientCapture::ReadClientCards(ICaptureBoard& board) {
     DeleteCardFiles();
     FindClient(board, 0);
     board.ClearCards();  // every pass starts from an empty board, found or not
-    if (!mClientFound) return;
+    if (mClientFound) ReadFoundClient(board);
+}
 
+void ClientCapture::ReadFoundClient(ICaptureBoard& board) {
     mHoleMode = true;
     mClientWnd = 0;
     for (mHoleCardIndex = 0; mHoleCardIndex < 2; ++mHoleCardIndex) {
@@ -312,7 +315,8 @@ bool ClientCapture::RecogniseCards(ICaptureBoard& board, TextCells& cells) {
     // on every pass, whatever the cards on the table.
     for (int i = 0; i < kTemplateCount; ++i) {
         const std::filesystem::path file = templates / TemplateFileName(TemplateCard(i));
-        if (!ReadJoinedLines(file)) {
+        std::error_code error;
+        if (!std::filesystem::is_regular_file(file, error) || !std::ifstream(file)) {
             board.StopCapture("Card template missing or unreadable: " + file.string());
             return false;
         }

@@ -67,6 +67,9 @@ class ClientCapture {
 
     // One pass, run by the capture timer.
     void ReadClientCards(ICaptureBoard& board);
+    // The part of the pass after a successful search: the seven crops,
+    // their files and their recognition, shown on the board.
+    void ReadFoundClient(ICaptureBoard& board);
 
     // One search of the desktop for the client, docking and reading each
     // window whose title names it.

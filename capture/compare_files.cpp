@@ -10,29 +10,27 @@ std::optional<std::string> ReadJoinedLines(const std::filesystem::path& path) {
     if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
     std::ifstream file(path, std::ios::binary);
     if (!file) return std::nullopt;
-    std::string text;
-    for (auto it = std::istreambuf_iterator<char>(file); it != std::istreambuf_iterator<char>();
-         ++it) {
-        if (*it != '\r' && *it != '\n') text.push_back(*it);
-    }
+    std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     if (file.bad()) return std::nullopt;
+    std::erase_if(text, [](char c) { return c == '\r' || c == '\n'; });
     return text;
 }
 
 FileComparison compare_files(const std::filesystem::path& path1,
                              const std::filesystem::path& path2) {
-    FileComparison result;
     const std::optional<std::string> first = ReadJoinedLines(path1);
-    if (!first) {
-        result.unreadable = path1;
-        return result;
-    }
-    const std::optional<std::string> second = ReadJoinedLines(path2);
+    if (!first) return {false, path1};
+    return CompareWithFile(*first, path2);
+}
+
+FileComparison CompareWithFile(const std::string& joined, const std::filesystem::path& path) {
+    FileComparison result;
+    const std::optional<std::string> second = ReadJoinedLines(path);
     if (!second) {
-        result.unreadable = path2;
+        result.unreadable = path;
         return result;
     }
-    result.identical = *first == *second;
+    result.identical = joined == *second;
     return result;
 }
 

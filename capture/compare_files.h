@@ -22,5 +22,8 @@ struct FileComparison {
 
 FileComparison compare_files(const std::filesystem::path& path1,
                              const std::filesystem::path& path2);
+// The same, with the first file's joined text already in hand: recognition
+// reads a capture file once and each template afresh for every comparison.
+FileComparison CompareWithFile(const std::string& joined, const std::filesystem::path& path);
 
 }  // namespace felthawk

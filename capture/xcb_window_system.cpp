@@ -1,5 +1,8 @@
 #include "capture/xcb_window_system.h"
 
+#include <sys/ipc.h>
+#include <sys/shm.h>
+#include <xcb/shm.h>
 #include <xcb/xcb.h>
 
 #include <QGuiApplication>
@@ -98,7 +101,59 @@ XcbWindowSystem::XcbWindowSystem(xcb_connection_t* connection, bool owned)
 }
 
 XcbWindowSystem::~XcbWindowSystem() {
+    if (sharedSegment_ != 0) {
+        Check(connection_, xcb_shm_detach_checked(connection_, sharedSegment_));
+        shmdt(sharedPixels_);
+    }
     if (owned_) xcb_disconnect(connection_);
+}
+
+bool XcbWindowSystem::AttachSharedMemory() {
+    if (sharedMemoryTried_) return sharedSegment_ != 0;
+    sharedMemoryTried_ = true;
+    const xcb_query_extension_reply_t* extension = xcb_get_extension_data(connection_, &xcb_shm_id);
+    if (extension == nullptr || !extension->present) return false;
+    const std::size_t bytes = static_cast<std::size_t>(screenWidth_) * screenHeight_ * 4;
+    const int id = shmget(IPC_PRIVATE, bytes, IPC_CREAT | 0600);
+    if (id < 0) return false;
+    void* pixels = shmat(id, nullptr, 0);
+    const uint32_t segment = xcb_generate_id(connection_);
+    auto* error =
+        pixels == reinterpret_cast<void*>(-1)
+            ? nullptr
+            : xcb_request_check(connection_, xcb_shm_attach_checked(connection_, segment, id, 0));
+    const bool attached = pixels != reinterpret_cast<void*>(-1) && error == nullptr;
+    std::free(error);
+    // Marked for removal now; it goes once both sides have let go of it.
+    shmctl(id, IPC_RMID, nullptr);
+    if (!attached) {
+        if (pixels != reinterpret_cast<void*>(-1)) shmdt(pixels);
+        return false;
+    }
+    sharedSegment_ = segment;
+    sharedPixels_ = static_cast<uint8_t*>(pixels);
+    return true;
+}
+
+QImage XcbWindowSystem::ReadScreen(int left, int top, int width, int height) {
+    if (AttachSharedMemory()) {
+        auto reply = Take(xcb_shm_get_image_reply(
+            connection_,
+            xcb_shm_get_image(connection_, root_, static_cast<int16_t>(left),
+                              static_cast<int16_t>(top), static_cast<uint16_t>(width),
+                              static_cast<uint16_t>(height), ~0u, XCB_IMAGE_FORMAT_Z_PIXMAP,
+                              sharedSegment_, 0),
+            nullptr));
+        if (reply) return ConvertImage(sharedPixels_, width, height, reply->depth);
+    }
+    auto reply = Take(xcb_get_image_reply(
+        connection_,
+        xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, static_cast<int16_t>(left),
+                      static_cast<int16_t>(top), static_cast<uint16_t>(width),
+                      static_cast<uint16_t>(height), ~0u),
+        nullptr));
+    if (!reply) return {};
+    return ConvertImage(xcb_get_image_data(reply.get()), width, height, reply->depth);
 }
 
 bool XcbWindowSystem::QueryTree(WindowId window, WindowId& parent,
@@ -162,12 +217,13 @@ std::string XcbWindowSystem::ClassName(WindowId window) {
 }
 
 std::optional<WindowRect> XcbWindowSystem::GetWindowRect(WindowId window) {
-    auto geometry =
-        Take(xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
-    if (!geometry) return std::nullopt;
-    auto place = Take(xcb_translate_coordinates_reply(
-        connection_, xcb_translate_coordinates(connection_, window, root_, 0, 0), nullptr));
-    if (!place) return std::nullopt;
+    // Both requests go out before either answer is awaited: one round trip.
+    const xcb_get_geometry_cookie_t geometryCookie = xcb_get_geometry(connection_, window);
+    const xcb_translate_coordinates_cookie_t placeCookie =
+        xcb_translate_coordinates(connection_, window, root_, 0, 0);
+    auto geometry = Take(xcb_get_geometry_reply(connection_, geometryCookie, nullptr));
+    auto place = Take(xcb_translate_coordinates_reply(connection_, placeCookie, nullptr));
+    if (!geometry || !place) return std::nullopt;
     const int border = geometry->border_width;
     return WindowRect{place->dst_x - border, place->dst_y - border, geometry->width + 2 * border,
                       geometry->height + 2 * border};
@@ -221,16 +277,15 @@ void XcbWindowSystem::BringWindowToTop(WindowId window) {
 
 WindowId XcbWindowSystem::ForegroundWindow() {
     WindowId active = 0;
-    auto property = Take(xcb_get_property_reply(
-        connection_,
-        xcb_get_property(connection_, 0, root_, atoms_->netActiveWindow, XCB_ATOM_WINDOW, 0, 1),
-        nullptr));
+    const xcb_get_property_cookie_t propertyCookie =
+        xcb_get_property(connection_, 0, root_, atoms_->netActiveWindow, XCB_ATOM_WINDOW, 0, 1);
+    const xcb_get_input_focus_cookie_t focusCookie = xcb_get_input_focus(connection_);
+    auto property = Take(xcb_get_property_reply(connection_, propertyCookie, nullptr));
+    auto focus = Take(xcb_get_input_focus_reply(connection_, focusCookie, nullptr));
     if (property && property->format == 32 && xcb_get_property_value_length(property.get()) == 4) {
         std::memcpy(&active, xcb_get_property_value(property.get()), sizeof active);
     }
     if (active == 0) {
-        auto focus =
-            Take(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
         if (!focus || focus->focus == XCB_NONE || focus->focus == XCB_INPUT_FOCUS_POINTER_ROOT) {
             return 0;
         }
@@ -262,15 +317,7 @@ QImage XcbWindowSystem::CaptureWindow(WindowId window) {
     const int right = std::min(rect->left + rect->width, screenWidth_);
     const int bottom = std::min(rect->top + rect->height, screenHeight_);
     if (right <= left || bottom <= top) return image;
-    auto reply = Take(xcb_get_image_reply(
-        connection_,
-        xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, static_cast<int16_t>(left),
-                      static_cast<int16_t>(top), static_cast<uint16_t>(right - left),
-                      static_cast<uint16_t>(bottom - top), ~0u),
-        nullptr));
-    if (!reply) return {};
-    const QImage part =
-        ConvertImage(xcb_get_image_data(reply.get()), right - left, bottom - top, reply->depth);
+    const QImage part = ReadScreen(left, top, right - left, bottom - top);
     if (part.isNull()) return {};
     for (int y = 0; y < part.height(); ++y) {
         std::memcpy(image.scanLine(top - rect->top + y) + 4 * (left - rect->left),
@@ -308,6 +355,17 @@ QImage XcbWindowSystem::ConvertImage(const uint8_t* data, int width, int height,
     const Channel blue = ChannelOf(visual->blue_mask);
 
     QImage image(width, height, QImage::Format_RGB32);
+    // The usual 24-bit screen is already laid out as the image wants it.
+    if (bitsPerPixel == 32 && lsbFirst && visual->red_mask == 0xFF0000 &&
+        visual->green_mask == 0xFF00 && visual->blue_mask == 0xFF) {
+        for (int y = 0; y < height; ++y) {
+            const auto* source =
+                reinterpret_cast<const uint32_t*>(data + static_cast<std::ptrdiff_t>(y) * stride);
+            auto* target = reinterpret_cast<QRgb*>(image.scanLine(y));
+            for (int x = 0; x < width; ++x) target[x] = source[x] | 0xFF000000u;
+        }
+        return image;
+    }
     for (int y = 0; y < height; ++y) {
         const uint8_t* source = data + static_cast<std::ptrdiff_t>(y) * stride;
         auto* target = reinterpret_cast<QRgb*>(image.scanLine(y));

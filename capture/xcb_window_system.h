@@ -49,6 +49,11 @@ class XcbWindowSystem : public IWindowSystem {
     bool QueryTree(WindowId window, WindowId& parent, std::vector<WindowId>& children);
     std::string ReadTextProperty(WindowId window, uint32_t property, uint32_t type);
     QImage ConvertImage(const uint8_t* data, int width, int height, int depth);
+    // The screen's pixels in the rectangle, through shared memory when the
+    // server offers it (a pass reads the whole client seven times), else
+    // through the connection.
+    QImage ReadScreen(int left, int top, int width, int height);
+    bool AttachSharedMemory();
 
     xcb_connection_t* connection_;
     bool owned_;
@@ -57,6 +62,10 @@ class XcbWindowSystem : public IWindowSystem {
     int screenHeight_ = 0;
     uint32_t rootVisual_ = 0;
     std::unique_ptr<Atoms> atoms_;
+
+    bool sharedMemoryTried_ = false;
+    uint32_t sharedSegment_ = 0;  // 0 when shared memory is not in use
+    uint8_t* sharedPixels_ = nullptr;
 };
 
 }  // namespace felthawk

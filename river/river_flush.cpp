@@ -35,8 +35,8 @@ constexpr OutsByRank kTwoHoleFlushOuts = {{kOther, kOther, kOther, kOther, kOthe
 //    flush, shared by everyone: the lowest figure of the board leaf.
 //  - A paired board makes a full house possible: half the figure. (Four
 //    board cards of the suit leave room for one pair at most.)
-//  - Four cards of the suit on the board within five ranks leave a straight
-//    flush open to one card: a third of the figure.
+//  - Four cards of the suit on the board within five ranks, or four or five
+//    board ranks in a row, leave a straight flush open: a third of the figure.
 //                                         2       3       4       5       6       7       8
 constexpr OutsByRank kOneHoleFlushOuts = {{kOther, kOther, kOther, kOther, kOther, kOther, kOther,
                                            // 9  10   J     Q     K     A (the nut flush)
@@ -141,9 +141,18 @@ void RiverFlushOneHole(CalcState& state, int suit) {
         if (board[rank] >= 2) pairedBoard = true;
     }
     if (pairedBoard) outs = outs * kPairedBoardKeptPercent / 100;
+    // Four ranks in a row on the board, whatever their suits, hold at least
+    // three of the suit close together beside four of it on the board, so a
+    // straight flush is open there too. The ace also plays low.
+    RankCounts boardWithLowAce = board;
+    boardWithLowAce[1] = board[14];
     bool straightFlushOpen = false;
     for (int start = 2; start <= LastSpanStart(5); ++start) {
         if (CountSpan(suitOnBoard, start, 5, RankTest::AtLeastOne) >= 4) straightFlushOpen = true;
+    }
+    for (int start = 1; start <= LastSpanStart(4); ++start) {
+        if (CountSpan(boardWithLowAce, start, 4, RankTest::AtLeastOne) == 4)
+            straightFlushOpen = true;
     }
     if (straightFlushOpen) outs = outs * kStraightFlushOpenKeptPercent / 100;
     state.trace.Note("RiverFlushOneHole: flush card ", ours, ", standing ", standing,

@@ -42,6 +42,10 @@ INSTANTIATE_TEST_SUITE_P(
                   "AS,2D,KS,8S,4S,3S,3H"},
         Direction{"four of the suit spread out above four within five ranks",
                   "AS,2D,5S,6S,7S,JS,KH", "AS,2D,5S,6S,7S,8S,KH"},
+        Direction{"no run on the board above four ranks in a row", "AS,2C,KS,5S,6S,7S,QC",
+                  "AS,2C,KS,5S,6S,7S,8C"},
+        Direction{"no run on the board above a run from the ace", "KS,7C,AS,3S,4S,9S,QD",
+                  "KS,7C,AS,3S,4S,9S,2D"},
         Direction{"a hole card that beats the five-suit board above one that does not",
                   "QS,2D,AS,KS,8S,6S,4S", "2S,3D,AS,KS,8S,6S,4S"}),
     CaseNamer{});

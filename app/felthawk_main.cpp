@@ -8,6 +8,7 @@
 
 #include "board/frm_felthawk.h"
 #include "board/services.h"
+#include "capture/capture_service.h"
 #include "mail/mail_service.h"
 #include "online/banner_service.h"
 #include "online/desktop.h"
@@ -65,6 +66,8 @@ int main(int argc, char* argv[]) {
     services.banners = &banners;
     felthawk::MailService mail(dialogs);
     services.mail = &mail;
+    felthawk::CaptureService capture(dialogs);
+    services.capture = &capture;
 
     felthawk::frmFelthawk window(services, dialogs);
     CloseOnSignals(window);

@@ -1,5 +1,7 @@
 #include "tests/capture/x11_session.h"
 
+#include "tools/table/table_process.h"
+
 #include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -79,16 +81,7 @@ void TableProcess::Kill() {
 }
 
 WindowId TableProcess::WaitReady() {
-    while (true) {
-        while (process_.canReadLine()) {
-            const QString line = QString::fromUtf8(process_.readLine()).trimmed();
-            if (line.startsWith("ready ")) return line.mid(6).toUInt(nullptr, 16);
-            if (line.startsWith("error ")) return 0;
-        }
-        if (process_.state() != QProcess::Running || !process_.waitForReadyRead(kStartTimeoutMs)) {
-            return 0;
-        }
-    }
+    return WaitForTableReady(process_, kStartTimeoutMs);
 }
 
 }  // namespace felthawk

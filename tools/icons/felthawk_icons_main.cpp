@@ -22,6 +22,7 @@
 #include "capture/client_capture.h"
 #include "capture/client_layout.h"
 #include "capture/xcb_window_system.h"
+#include "tools/table/table_process.h"
 
 namespace felthawk {
 namespace {
@@ -57,19 +58,6 @@ bool SaveTemplate(ClientCapture& capture, NoBoard& board, int cell, const std::s
     return written.written;
 }
 
-// Reads lines from the table until "ready <id>"; the id, or 0.
-WindowId WaitForTable(QProcess& table) {
-    while (table.state() == QProcess::Running || table.canReadLine()) {
-        if (!table.canReadLine() && !table.waitForReadyRead(kTableStartMs)) return 0;
-        while (table.canReadLine()) {
-            const QString line = QString::fromUtf8(table.readLine()).trimmed();
-            if (line.startsWith("ready ")) return line.mid(6).toUInt(nullptr, 16);
-            if (line.startsWith("error ")) return 0;
-        }
-    }
-    return 0;
-}
-
 QString DefaultTablePath() {
     const QString beside = QCoreApplication::applicationDirPath() + "/../table/felthawk-table";
     return QFileInfo::exists(beside) ? beside : QString("felthawk-table");
@@ -82,7 +70,7 @@ int MakeSetFromTable(ClientCapture& capture, const QString& tablePath,
     QProcess table;
     table.start(tablePath, {"--commands", "--me-seat", QString::number(kMeSeat)});
     if (!table.waitForStarted()) return Fail("cannot start " + tablePath.toStdString());
-    if (WaitForTable(table) == 0) return Fail("felthawk-table did not come up");
+    if (WaitForTableReady(table, kTableStartMs) == 0) return Fail("felthawk-table did not come up");
 
     std::string error;
     for (int first = 0; first < kTemplateCount; first += kSlotCount) {
@@ -93,7 +81,7 @@ int MakeSetFromTable(ClientCapture& capture, const QString& tablePath,
         std::string line = "cells ";
         for (int cell = 0; cell < kSlotCount; ++cell) line += (cell ? "," : "") + cells[cell];
         table.write((line + "\n").c_str());
-        const WindowId shown = WaitForTable(table);
+        const WindowId shown = WaitForTableReady(table, kTableStartMs);
         if (shown == 0) return Fail("felthawk-table refused " + line);
         capture.FindClient(board, 0);
         if (capture.ClientWindow() != shown) {

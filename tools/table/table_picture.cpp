@@ -31,10 +31,10 @@ constexpr std::array<Glyph, 13> kRankGlyphs{{
 // Suits in the order of the suit letters "SHCD".
 constexpr std::string_view kSuitLetters = "SHCD";
 constexpr std::array<Glyph, 4> kSuitGlyphs{{
-    {"..#..", ".###.", "#####", "#####", "..#..", ".###.", ""},  // spades
-    {"##.##", "#####", "#####", ".###.", "..#..", "", ""},       // hearts
+    {"..#..", ".###.", "#####", "#####", "..#..", ".###.", ""},       // spades
+    {"##.##", "#####", "#####", ".###.", "..#..", "", ""},            // hearts
     {".###.", ".###.", "##.##", "#####", "##.##", "..#..", ".###."},  // clubs
-    {"..#..", ".###.", "#####", ".###.", "..#..", "", ""},       // diamonds
+    {"..#..", ".###.", "#####", ".###.", "..#..", "", ""},            // diamonds
 }};
 
 constexpr QRgb kFelt = qRgb(0, 96, 48);

@@ -514,8 +514,11 @@ void StraightFlushOdds(CalcState& state) {
     }
 
     const RunTable runs(state.gRankCount);
-    const bool royal = bestCount == 5 && runs[0].hi == 0 && runs[0].lo == 9;
-    const bool wheel = bestCount == 5 && runs[0].hi == 6 && runs[0].lo == 1 && runs.Size() == 1;
+    // The made hands are read off the first row whatever the count, so four
+    // suited aces alone (an empty table) end the search here.
+    const RunRow& first = runs[0];
+    const bool royal = bestCount == 5 && first.hi == 0 && first.lo == 9;
+    const bool wheel = bestCount == 5 && first.hi == 6 && first.lo == 1 && runs.Size() == 1;
     if (royal || wheel) {
         state.gOdds[kStraightFlush] = kCurrent;
     } else {

@@ -78,6 +78,7 @@ INSTANTIATE_TEST_SUITE_P(
         OddsCase{"two pair on the river still counts one card",
                  {"AS", "AH", "KD", "KS", "2C", "9H", "3D"},
                  {"", "Current", "", "", "", "9", "", ""}},
+        OddsCase{"four suited aces alone end the search", {"AD", "AD", "AD", "AD", "7S"}, kEmpty},
         OddsCase{"a set on the flop",
                  {"7C", "7H", "7D", "KS", "2C"},
                  {"", "", "Current", "", "", "28", "4", ""}}),

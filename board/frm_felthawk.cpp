@@ -84,7 +84,6 @@ class BoardSurface : public QWidget {
     }
 
   private:
-    static int Twips(double pixels) { return static_cast<int>(pixels) * kTwipsPerPixel; }
     QPixmap background_;
     Handler down_, up_;
 };

@@ -14,10 +14,6 @@ namespace {
 
 const QString kDragMime = QStringLiteral("application/x-felthawk-picture");
 
-int TwipsOf(double pixels) {
-    return static_cast<int>(pixels) * kTwipsPerPixel;
-}
-
 }  // namespace
 
 Picture LoadPicture(const QString& name) {
@@ -58,15 +54,15 @@ void PictureBox::OnDragDrop(DropHandler handler) {
 void PictureBox::mousePressEvent(QMouseEvent* event) {
     pressPoint_ = event->position().toPoint();
     if (mouseDown_) {
-        mouseDown_(ButtonNumber(event->button()), TwipsOf(event->position().x()),
-                   TwipsOf(event->position().y()));
+        mouseDown_(ButtonNumber(event->button()), Twips(event->position().x()),
+                   Twips(event->position().y()));
     }
 }
 
 void PictureBox::mouseReleaseEvent(QMouseEvent* event) {
     if (mouseUp_) {
-        mouseUp_(ButtonNumber(event->button()), TwipsOf(event->position().x()),
-                 TwipsOf(event->position().y()));
+        mouseUp_(ButtonNumber(event->button()), Twips(event->position().x()),
+                 Twips(event->position().y()));
     }
 }
 

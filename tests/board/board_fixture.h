@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <QAction>
 #include <QSettings>
 #include <QString>
 
@@ -47,6 +48,13 @@ inline void StoreSettings(const QString& transparency, const QString& mouse) {
     store.beginGroup(QStringLiteral("SETTINGS"));
     store.setValue(QStringLiteral("MTRANS"), transparency);
     store.setValue(QStringLiteral("MOUSE"), mouse);
+}
+
+// A menu item of the window by its name.
+inline QAction* Action(const frmFelthawk& form, const char* name) {
+    QAction* action = form.findChild<QAction*>(QString::fromLatin1(name));
+    EXPECT_NE(action, nullptr) << name;
+    return action;
 }
 
 class BoardTest : public ::testing::Test {

@@ -13,12 +13,6 @@ std::string Seats(const frmFelthawk& form) {
     return seats;
 }
 
-QAction* Action(const frmFelthawk& form, const char* name) {
-    QAction* action = form.findChild<QAction*>(QString::fromLatin1(name));
-    EXPECT_NE(action, nullptr) << name;
-    return action;
-}
-
 // The io image that shows a seat, found by its tag.
 int ImageOfSeat(const frmFelthawk& form, int seat) {
     for (int k = 0; k < kSeatCount - 1; ++k) {

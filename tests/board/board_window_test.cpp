@@ -20,12 +20,6 @@
 namespace felthawk::testing {
 namespace {
 
-QAction* Action(const frmFelthawk& form, const char* name) {
-    QAction* action = form.findChild<QAction*>(QString::fromLatin1(name));
-    EXPECT_NE(action, nullptr) << name;
-    return action;
-}
-
 bool Layered(frmFelthawk& form) {
     return QtWindowLayer().IsLayered(&form);
 }

@@ -176,6 +176,13 @@ TEST_F(BoardTest, HelpItemsOpenTheSiteAndTheSupportAddress) {
     ASSERT_EQ(recorder.opened.size(), 1u);
     EXPECT_TRUE(recorder.opened[0].startsWith("mailto:"));
     EXPECT_TRUE(recorder.opened[0].endsWith(SupportMail()));
+    // The address in About starts a mail to the suggestion address.
+    recorder.opened.clear();
+    frmAbout about(form.get());
+    QTest::mouseClick(about.Label1(), Qt::LeftButton);
+    ASSERT_EQ(recorder.opened.size(), 1u);
+    EXPECT_TRUE(recorder.opened[0].startsWith("mailto:"));
+    EXPECT_TRUE(recorder.opened[0].endsWith(SuggestionMail()));
     for (const char* scheme : {"http", "https", "mailto"}) {
         QDesktopServices::unsetUrlHandler(QString::fromLatin1(scheme));
     }

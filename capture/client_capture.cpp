@@ -1,12 +1,15 @@
 #include "capture/client_capture.h"
 
 #include <QCursor>
-#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QGuiApplication>
 #include <QStandardPaths>
+#include <QTimer>
 #include <cctype>
+#include <chrono>
 #include <cmath>
 #include <fstream>
+#include <thread>
 
 #include "capture/client_layout.h"
 #include "capture/compare_files.h"
@@ -21,6 +24,17 @@ constexpr int kRaiseWaitMs = 10;
 
 void ProcessPendingEvents() {
     if (QCoreApplication::instance() != nullptr) QCoreApplication::processEvents();
+}
+
+// Lets the given time pass while the program goes on handling its events.
+void WaitProcessingEvents(int ms) {
+    if (QCoreApplication::instance() == nullptr) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+        return;
+    }
+    QEventLoop loop;
+    QTimer::singleShot(ms, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 // The busy pointer while an icon is written, as the writer always showed.
@@ -240,9 +254,7 @@ void ClientCapture::BringClientForward(ICaptureBoard& board) {
         windows_.SetShowCommand(mClientWnd, kShowNormal);
     }
     windows_.BringWindowToTop(mClientWnd);
-    QElapsedTimer waited;
-    waited.start();
-    while (waited.elapsed() < kRaiseWaitMs) ProcessPendingEvents();
+    WaitProcessingEvents(kRaiseWaitMs);
     CaptureCardImage(board.PreviousSeat());
 }
 

@@ -72,6 +72,7 @@ int main(int argc, char* argv[]) {
     felthawk::frmFelthawk window(services, dialogs);
     CloseOnSignals(window);
     window.FormLoad();
+    if (window.Unloaded()) return 0;
     window.show();
     return app.exec();
 }

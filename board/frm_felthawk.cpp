@@ -93,6 +93,8 @@ QLabel* MakeLabel(QWidget* parent, const QString& name, const QString& caption, 
     auto* label = new QLabel(caption, parent);
     label->setObjectName(name);
     label->setGeometry(TwipRect(left, top, width, height));
+    // A press on a label is the label's own, not the background's.
+    label->setAttribute(Qt::WA_NoMousePropagation);
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setPixelSize(Px(height) - 3);
     font.setBold(bold);

@@ -55,6 +55,9 @@ class frmFelthawk : public QMainWindow {
     // seat the table, start the first hand and draw the seats. Without
     // `showSplash` the splash step is left out (for tests).
     void FormLoad(bool showSplash = true);
+    // The window has been closed and the end order has run (a signal may
+    // close it while the splash still shows, before the event loop runs).
+    bool Unloaded() const { return mUnloading; }
 
     // ---- The table --------------------------------------------------------
 

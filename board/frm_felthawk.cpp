@@ -125,11 +125,12 @@ int KeyCode(const QKeyEvent& event) {
     return 0;
 }
 
-QChar SuitOfArray(const QString& arrayName) {
+// The suit letter of a deck array ("iss" gives "S"); "" for the cells.
+std::string SuitOfArray(const QString& arrayName) {
     for (int row = 0; row < kDeckRows; ++row) {
-        if (arrayName == QLatin1String(kDeckRowName[row])) return QChar(kDeckRowSuit[row]);
+        if (arrayName == QLatin1String(kDeckRowName[row])) return std::string(1, kDeckRowSuit[row]);
     }
-    return QChar();
+    return std::string();
 }
 
 }  // namespace
@@ -679,12 +680,10 @@ void frmFelthawk::CellMouseDown(int n, int) {
 void frmFelthawk::PlaceCard(PictureBox* source, PictureBox* target) {
     target->SetPicture(source->GetPicture());
     source->SetPicture(mBlank);
-    const QChar suit = SuitOfArray(source->ArrayName());
     // A card moved from cell to cell keeps the text of the target.
     if (source->ArrayName() != QLatin1String("IM")) {
         mCards[target->Index() - 1] =
-            Trim(RankText(source->Index()) +
-                 (suit.isNull() ? std::string() : std::string(1, suit.toLatin1())));
+            Trim(RankText(source->Index()) + SuitOfArray(source->ArrayName()));
     }
 }
 

@@ -26,7 +26,8 @@ test: build
 	ctest --test-dir $(ASAN_DIR) --output-on-failure -j $(JOBS)
 
 bench: build
-	$(BUILD_DIR)/bench/felthawk_bench
+	$(BUILD_DIR)/bench/felthawk_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
+	$(BUILD_DIR)/bench/felthawk_capture_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
 	bash bench/calc_batch_bench.sh $(BUILD_DIR)
 
 format:

@@ -1,10 +1,7 @@
 #!/usr/bin/env python3
-"""A loopback HTTP server for the online tests.
-
-Serves the folder given as its argument, prints the port it listens on,
-then the path of every request as it arrives. Below /slow/ every path answers after a second; below /hang/ nothing ever
-answers. It ends when its standard input closes, so it never outlives the
-test that started it."""
+"""Loopback HTTP server for the online tests: serves the folder in argv[1],
+prints its port, then each requested path. Below /slow/ answers come after a
+second; below /hang/ never. It ends when its standard input closes."""
 import http.server
 import sys
 import threading
@@ -15,8 +12,7 @@ class Handler(http.server.SimpleHTTPRequestHandler):
     def do_GET(self):
         print(self.path, flush=True)
         if self.path.startswith("/hang/"):
-            time.sleep(3600)
-            return
+            return time.sleep(3600)
         if self.path.startswith("/slow/"):
             time.sleep(1)
             self.path = self.path[len("/slow"):]
@@ -26,15 +22,9 @@ class Handler(http.server.SimpleHTTPRequestHandler):
         pass
 
 
-def main():
-    root = sys.argv[1]
-    server = http.server.ThreadingHTTPServer(
-        ("127.0.0.1", 0), lambda *a, **k: Handler(*a, directory=root, **k))
-    server.daemon_threads = True
-    threading.Thread(target=server.serve_forever, daemon=True).start()
-    print(server.server_address[1], flush=True)
-    sys.stdin.read()
-
-
-if __name__ == "__main__":
-    main()
+server = http.server.ThreadingHTTPServer(
+    ("127.0.0.1", 0), lambda *a, **k: Handler(*a, directory=sys.argv[1], **k))
+server.daemon_threads = True
+threading.Thread(target=server.serve_forever, daemon=True).start()
+print(server.server_address[1], flush=True)
+sys.stdin.read()

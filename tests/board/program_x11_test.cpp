@@ -3,10 +3,6 @@
 // on SIGTERM. The test starts its own Xvfb and leaves screenshots of the hand
 // on the flop and on the river beside itself (felthawk-flop.png,
 // felthawk-window.png in the test's working folder).
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
@@ -25,43 +21,27 @@
 
 #include "board/layout.h"
 
-extern char** environ;
-
 namespace {
 
 using namespace std::chrono_literals;
 using felthawk::Px;
 
-// An Xvfb of our own on a display number it picks itself.
-class VirtualScreen {
-  public:
+// An Xvfb of our own on a display number it picks itself and writes out.
+struct VirtualScreen {
+    QProcess xvfb;
+    std::string name;
     VirtualScreen() {
-        int fds[2];
-        if (pipe(fds) != 0) return;
-        const std::string fd = std::to_string(fds[1]);
-        const char* argv[] = {"Xvfb",         "-displayfd", fd.c_str(), "-screen", "0",
-                              "1280x1024x24", "-nolisten",  "tcp",      nullptr};
-        if (posix_spawnp(&pid_, "Xvfb", nullptr, nullptr, const_cast<char**>(argv), environ) != 0) {
-            pid_ = 0;
+        xvfb.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        xvfb.start(QStringLiteral("Xvfb"),
+                   {"-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten", "tcp"});
+        while (!xvfb.canReadLine() && xvfb.waitForReadyRead(10000)) {
         }
-        close(fds[1]);
-        std::string number;
-        char c = 0;
-        while (read(fds[0], &c, 1) == 1 && c != '\n') number += c;
-        close(fds[0]);
-        if (!number.empty()) name_ = ":" + number;
+        if (xvfb.canReadLine()) name = ":" + xvfb.readLine().trimmed().toStdString();
     }
     ~VirtualScreen() {
-        if (pid_ > 0) {
-            kill(pid_, SIGTERM);
-            waitpid(pid_, nullptr, 0);
-        }
+        xvfb.terminate();
+        xvfb.waitForFinished(5000);
     }
-    const std::string& Name() const { return name_; }
-
-  private:
-    pid_t pid_ = 0;
-    std::string name_;
 };
 
 std::string Property(xcb_connection_t* x, xcb_window_t window, xcb_atom_t atom) {
@@ -93,7 +73,17 @@ std::optional<xcb_window_t> FindWindow(xcb_connection_t* x, xcb_window_t root,
     return found;
 }
 
-// Presses and releases the key of a keysym with the X test extension.
+// One event of the X test extension: a key or button (detail) press or
+// release, or a pointer motion to `at` on the root.
+void Fake(xcb_connection_t* x, uint8_t type, uint8_t detail, xcb_window_t root = XCB_NONE,
+          QPoint at = {}) {
+    xcb_test_fake_input(x, type, detail, XCB_CURRENT_TIME, root, static_cast<int16_t>(at.x()),
+                        static_cast<int16_t>(at.y()), 0);
+    xcb_flush(x);
+    std::this_thread::sleep_for(60ms);
+}
+
+// Presses and releases the key of a keysym.
 void TypeKey(xcb_connection_t* x, xcb_keysym_t keysym) {
     const xcb_setup_t* setup = xcb_get_setup(x);
     const int count = setup->max_keycode - setup->min_keycode + 1;
@@ -109,35 +99,8 @@ void TypeKey(xcb_connection_t* x, xcb_keysym_t keysym) {
     }
     free(map);
     ASSERT_NE(code, 0) << "no key for keysym " << keysym;
-    xcb_test_fake_input(x, XCB_KEY_PRESS, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-    xcb_test_fake_input(x, XCB_KEY_RELEASE, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-    xcb_flush(x);
-    std::this_thread::sleep_for(60ms);
-}
-
-// Moves the pointer to a point of the root window.
-void MoveTo(xcb_connection_t* x, xcb_window_t root, QPoint at) {
-    xcb_test_fake_input(x, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root,
-                        static_cast<int16_t>(at.x()), static_cast<int16_t>(at.y()), 0);
-    xcb_flush(x);
-    std::this_thread::sleep_for(40ms);
-}
-
-void Button(xcb_connection_t* x, uint8_t type, uint8_t button) {
-    xcb_test_fake_input(x, type, button, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-    xcb_flush(x);
-    std::this_thread::sleep_for(80ms);
-}
-
-// Where a point of the board (the window below its menu bar) is on the root.
-QPoint OnRoot(xcb_connection_t* x, xcb_window_t window, xcb_window_t root, int menuBar,
-              QPoint board) {
-    auto* reply = xcb_translate_coordinates_reply(
-        x, xcb_translate_coordinates(x, window, root, 0, 0), nullptr);
-    QPoint origin;
-    if (reply != nullptr) origin = QPoint(reply->dst_x, reply->dst_y);
-    free(reply);
-    return origin + QPoint(0, menuBar) + board;
+    Fake(x, XCB_KEY_PRESS, code);
+    Fake(x, XCB_KEY_RELEASE, code);
 }
 
 // The centre of a card picture at a place of the design, in board pixels.
@@ -152,18 +115,16 @@ bool FaceAt(const QImage& shot, int menuBar, int leftTwips, int topTwips) {
 }
 
 // The window's opacity as a fraction, or nothing when the property is unset.
-std::optional<double> Opacity(const std::string& display, xcb_window_t window) {
-    QProcess xprop;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("DISPLAY"), QString::fromStdString(display));
-    xprop.setProcessEnvironment(env);
-    xprop.start(QStringLiteral("xprop"), {QStringLiteral("-id"), QString::number(window),
-                                          QStringLiteral("_NET_WM_WINDOW_OPACITY")});
-    if (!xprop.waitForFinished(10000)) return std::nullopt;
-    const QString out = QString::fromLocal8Bit(xprop.readAllStandardOutput());
-    const int equals = out.indexOf(QLatin1Char('='));
-    if (equals < 0) return std::nullopt;
-    return out.mid(equals + 1).trimmed().toDouble() / 4294967295.0;
+std::optional<double> Opacity(xcb_connection_t* x, xcb_window_t window) {
+    const char name[] = "_NET_WM_WINDOW_OPACITY";
+    auto* atom = xcb_intern_atom_reply(x, xcb_intern_atom(x, 0, sizeof name - 1, name), nullptr);
+    if (atom == nullptr) return std::nullopt;
+    const std::string value = Property(x, window, atom->atom);
+    free(atom);
+    if (value.size() != sizeof(uint32_t)) return std::nullopt;
+    uint32_t opacity = 0;
+    std::memcpy(&opacity, value.data(), sizeof opacity);
+    return opacity / 4294967295.0;
 }
 
 QImage Screenshot(xcb_connection_t* x, xcb_window_t window) {
@@ -196,12 +157,12 @@ bool WaitFor(Test&& test, std::chrono::milliseconds limit) {
 
 TEST(Program, ShowsTheBoardTakesAHandAndTurnsSeeThroughOnF3) {
     VirtualScreen screen;
-    ASSERT_FALSE(screen.Name().empty()) << "Xvfb did not start";
+    ASSERT_FALSE(screen.name.empty()) << "Xvfb did not start";
     QTemporaryDir home;
 
     QProcess program;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("DISPLAY"), QString::fromStdString(screen.Name()));
+    env.insert(QStringLiteral("DISPLAY"), QString::fromStdString(screen.name));
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
     env.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data")));
@@ -212,7 +173,7 @@ TEST(Program, ShowsTheBoardTakesAHandAndTurnsSeeThroughOnF3) {
     program.start(QStringLiteral(FELTHAWK_PROGRAM), {});
     ASSERT_TRUE(program.waitForStarted(10000));
 
-    xcb_connection_t* x = xcb_connect(screen.Name().c_str(), nullptr);
+    xcb_connection_t* x = xcb_connect(screen.name.c_str(), nullptr);
     ASSERT_EQ(xcb_connection_has_error(x), 0);
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
     std::optional<xcb_window_t> window;
@@ -242,16 +203,22 @@ TEST(Program, ShowsTheBoardTakesAHandAndTurnsSeeThroughOnF3) {
 
     // The turn by the mouse: a left drag of the nine of hearts onto the
     // turn's cell. The river: a right click on the three of clubs.
-    MoveTo(x, root, OnRoot(x, *window, root, menuBar, CardCentre(5370 + 7 * 345, 2520)));
-    Button(x, XCB_BUTTON_PRESS, 1);
-    const QPoint from = OnRoot(x, *window, root, menuBar, CardCentre(5370 + 7 * 345, 2520));
-    const QPoint to = OnRoot(x, *window, root, menuBar, CardCentre(5181, 5940));
-    for (int step = 1; step <= 10; ++step) MoveTo(x, root, from + (to - from) * step / 10);
-    Button(x, XCB_BUTTON_RELEASE, 1);
-    MoveTo(x, root, OnRoot(x, *window, root, menuBar, CardCentre(5370 + 345, 3120)));
-    Button(x, XCB_BUTTON_PRESS, 3);
-    Button(x, XCB_BUTTON_RELEASE, 3);
-    MoveTo(x, root, OnRoot(x, *window, root, menuBar, QPoint(660, 520)));
+    auto* corner = xcb_translate_coordinates_reply(
+        x, xcb_translate_coordinates(x, *window, root, 0, 0), nullptr);
+    ASSERT_NE(corner, nullptr);
+    const QPoint board(corner->dst_x, corner->dst_y + menuBar);
+    free(corner);
+    const QPoint from = board + CardCentre(5370 + 7 * 345, 2520);
+    const QPoint to = board + CardCentre(5181, 5940);
+    Fake(x, XCB_MOTION_NOTIFY, 0, root, from);
+    Fake(x, XCB_BUTTON_PRESS, 1);
+    for (int step = 1; step <= 10; ++step)
+        Fake(x, XCB_MOTION_NOTIFY, 0, root, from + (to - from) * step / 10);
+    Fake(x, XCB_BUTTON_RELEASE, 1);
+    Fake(x, XCB_MOTION_NOTIFY, 0, root, board + CardCentre(5370 + 345, 3120));
+    Fake(x, XCB_BUTTON_PRESS, 3);
+    Fake(x, XCB_BUTTON_RELEASE, 3);
+    Fake(x, XCB_MOTION_NOTIFY, 0, root, board + QPoint(660, 520));
     std::this_thread::sleep_for(500ms);
 
     shot = Screenshot(x, *window);
@@ -261,11 +228,10 @@ TEST(Program, ShowsTheBoardTakesAHandAndTurnsSeeThroughOnF3) {
     EXPECT_FALSE(FaceAt(shot, menuBar, 5370 + 7 * 345, 2520))
         << "the nine's deck slot is not blank";
 
-    EXPECT_FALSE(Opacity(screen.Name(), *window).has_value()) << "opaque at start";
+    EXPECT_FALSE(Opacity(x, *window).has_value()) << "opaque at start";
     TypeKey(x, 0xffc0);  // F3, at the default setting of 80
     std::optional<double> opacity;
-    EXPECT_TRUE(
-        WaitFor([&] { return (opacity = Opacity(screen.Name(), *window)).has_value(); }, 5000ms));
+    EXPECT_TRUE(WaitFor([&] { return (opacity = Opacity(x, *window)).has_value(); }, 5000ms));
     EXPECT_NEAR(opacity.value_or(0), 204 / 255.0, 0.001);
 
     // SIGTERM closes the window the way Exit does, and the program ends.

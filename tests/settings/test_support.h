@@ -1,52 +1,72 @@
-// Shared pieces of the settings tests: an application object, a settings
-// store in a temporary folder, and dialogs answered from a script.
+// Shared pieces of the settings tests: the raw store, dialogs answered from a
+// script, and a fixture with an application and an empty store.
 #pragma once
 
 #include <deque>
 #include <optional>
 #include <vector>
 
-#include <QString>
-#include <QVariant>
+#include <gtest/gtest.h>
+#include <QApplication>
+#include <QSettings>
+#include <QTemporaryDir>
 
 #include "settings/dialogs.h"
 
 namespace felthawk::testing {
 
-// Makes the application object (offscreen) and points the settings store at
-// a temporary folder, once per process.
-void EnsureApplication();
-
-// The raw store, as another program would see it: "SETTINGS/<key>".
-QVariant RawValue(const QString& key);
-void PutRawValue(const QString& key, const QVariant& value);
-bool RawContains(const QString& key);
-void ClearStore();
-
-struct InputCall {
-    QString prompt;
-    QString title;
-    QString defaultAnswer;
-};
-
-struct MessageCall {
-    QString text;
-    QString title;
-    MessageIcon icon;
+// The raw store as another program sees it: "SETTINGS/<key>". A new object
+// each time, as the program opens one for every read and write.
+struct Raw : QSettings {
+    Raw() : QSettings(QStringLiteral("FELTHAWK"), QStringLiteral("FELTHAWK")) {
+        beginGroup(QStringLiteral("SETTINGS"));
+    }
 };
 
 // Answers input boxes from a queue; an empty optional is a cancel.
 class FakeDialogs : public IDialogs {
   public:
     std::deque<std::optional<QString>> answers;
-    std::vector<InputCall> inputs;
-    std::vector<MessageCall> messages;
+    std::vector<QString> defaults;  // the default answer each box offered
+    int messages = 0;
 
-    QString InputBox(QWidget* parent, const QString& prompt, const QString& title,
-                     const QString& defaultAnswer, bool* accepted) override;
-    void MessageBox(QWidget* parent, const QString& text, const QString& title,
-                    MessageIcon icon) override;
-    bool AskYesNo(QWidget* parent, const QString& text, const QString& title) override;
+    QString InputBox(QWidget*, const QString&, const QString&, const QString& defaultAnswer,
+                     bool* accepted) override {
+        defaults.push_back(defaultAnswer);
+        std::optional<QString> answer;
+        if (!answers.empty()) answer = answers.front(), answers.pop_front();
+        if (accepted != nullptr) *accepted = answer.has_value();
+        return answer.value_or(QString());
+    }
+    void MessageBox(QWidget*, const QString&, const QString&, MessageIcon) override { ++messages; }
+    bool AskYesNo(QWidget*, const QString&, const QString&) override {
+        ADD_FAILURE() << "no question is asked here";
+        return false;
+    }
+};
+
+// An application object (offscreen) whose store lives in a temporary folder,
+// made once per process before any store is opened, so that no test touches
+// the user's own; and a fresh, empty store for every test.
+class StoreTest : public ::testing::Test {
+  protected:
+    StoreTest() {
+        static int argc = 1;
+        static char name[] = "settings_tests";
+        static char* argv[] = {name, nullptr};
+        static QTemporaryDir* folder = nullptr;
+        if (folder == nullptr) {
+            folder = new QTemporaryDir();
+            EXPECT_TRUE(folder->isValid());
+            for (QSettings::Scope scope : {QSettings::UserScope, QSettings::SystemScope}) {
+                QSettings::setPath(QSettings::NativeFormat, scope, folder->path());
+                QSettings::setPath(QSettings::IniFormat, scope, folder->path());
+            }
+            new QApplication(argc, argv);
+        }
+        Raw().clear();
+    }
+    FakeDialogs dialogs;
 };
 
 }  // namespace felthawk::testing

@@ -92,10 +92,6 @@ class modresolution {
 
     // The mode found at start.
     const DisplayMode& StartMode() const { return startMode_; }
-    // The values last set, which fill in those not given next time.
-    const DisplayMode& LastSet() const { return lastSet_; }
-    // The record last handed to the platform (or read at start).
-    const DisplayMode& Record() const { return record_; }
 
   private:
     IDisplayModes& modes_;

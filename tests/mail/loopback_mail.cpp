@@ -1,6 +1,8 @@
 #include "tests/mail/loopback_mail.h"
 
-#include <QCoreApplication>
+#include <memory>
+
+#include <QApplication>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QEventLoop>
@@ -31,12 +33,10 @@ QHostAddress LoopbackFor(int second) {
 QByteArray WaitForLine(QProcess& process, QProcess::ProcessChannel channel,
                        const QByteArray& marker) {
     process.setReadChannel(channel);
-    QByteArray seen;
     const QDeadlineTimer deadline(kStartSeconds * 1000);
     while (!deadline.hasExpired()) {
         while (process.canReadLine()) {
             const QByteArray line = process.readLine();
-            seen += line;
             if (line.startsWith(marker)) return line.trimmed();
         }
         if (process.state() == QProcess::NotRunning) break;
@@ -53,6 +53,27 @@ void Stop(QProcess& process) {
         process.waitForFinished(5000);
     }
 }
+
+// Every mail test runs inside one QApplication, made before the first test,
+// in a zone of UTC-3:30, so that a Date header shows whether it gets the
+// sign and the minutes of the offset right.
+class ApplicationEnvironment : public ::testing::Environment {
+  public:
+    void SetUp() override {
+        qputenv("TZ", "XST+3:30");
+        static int argc = 1;
+        static char name[] = "mail_tests";
+        static char* argv[] = {name, nullptr};
+        application_ = std::make_unique<QApplication>(argc, argv);
+    }
+    void TearDown() override { application_.reset(); }
+
+  private:
+    std::unique_ptr<QApplication> application_;
+};
+
+[[maybe_unused]] ::testing::Environment* const kEnvironment =
+    ::testing::AddGlobalTestEnvironment(new ApplicationEnvironment);
 
 }  // namespace
 
@@ -103,41 +124,33 @@ QString LoopbackMail::StartDnsServer() {
     // Nothing listens on the SMTP port at the DNS server's own address.
     const QString dead = dnsAddress_.toString();
     const QString silent = silentAddress_.toString();
+    QStringList arguments{"--no-daemon", "--conf-file=/dev/null",
+                          "--pid-file=" + folder_.filePath("dnsmasq.pid"), "--no-resolv",
+                          "--no-hosts", "--port=53", "--listen-address=" + dnsAddress_.toString(),
+                          "--bind-interfaces",
+                          // Names under .test that are not listed here do not exist.
+                          "--local=/test/", "--host-record=plain.test," + live,
+                          "--txt-record=nomx.test,no mail here", "--mx-host=nullmx.test,.,0"};
+    // The domain, its exchanger, the preference, and the exchanger's address.
+    const struct {
+        const char* domain;
+        const char* exchanger;
+        int preference;
+        QString address;
+    } exchangers[] = {
+        {"friend.test", "mx.friend.test", 10, live},  {"order.test", "mx2.order.test", 30, live},
+        {"order.test", "mx1.order.test", 10, live},   {"backup.test", "dead.backup.test", 5, dead},
+        {"backup.test", "mx.backup.test", 20, live},  {"dead.test", "dead.dead.test", 10, dead},
+        {"noaddr.test", "ghost.noaddr.test", 10, {}}, {"refuse.test", "mx.refuse.test", 10, live},
+        {"later.test", "mx.later.test", 10, live},    {"silent.test", "mx.silent.test", 10, silent},
+    };
+    for (const auto& [domain, exchanger, preference, address] : exchangers) {
+        arguments << QStringLiteral("--mx-host=%1,%2,%3").arg(domain, exchanger).arg(preference);
+        if (!address.isEmpty())
+            arguments << QStringLiteral("--host-record=%1,%2").arg(exchanger, address);
+    }
     dns_.setProgram(QString::fromLatin1(kDnsmasq));
-    dns_.setArguments({
-        "--no-daemon",
-        "--conf-file=/dev/null",
-        "--pid-file=" + folder_.filePath("dnsmasq.pid"),
-        "--no-resolv",
-        "--no-hosts",
-        "--port=53",
-        "--listen-address=" + dnsAddress_.toString(),
-        "--bind-interfaces",
-        // Names under .test that are not listed here do not exist.
-        "--local=/test/",
-        "--mx-host=friend.test,mx.friend.test,10",
-        "--host-record=mx.friend.test," + live,
-        "--mx-host=order.test,mx2.order.test,30",
-        "--mx-host=order.test,mx1.order.test,10",
-        "--host-record=mx1.order.test," + live,
-        "--host-record=mx2.order.test," + live,
-        "--mx-host=backup.test,dead.backup.test,5",
-        "--mx-host=backup.test,mx.backup.test,20",
-        "--host-record=dead.backup.test," + dead,
-        "--host-record=mx.backup.test," + live,
-        "--host-record=plain.test," + live,
-        "--txt-record=nomx.test,no mail here",
-        "--mx-host=nullmx.test,.,0",
-        "--mx-host=dead.test,dead.dead.test,10",
-        "--host-record=dead.dead.test," + dead,
-        "--mx-host=noaddr.test,ghost.noaddr.test,10",
-        "--mx-host=refuse.test,mx.refuse.test,10",
-        "--host-record=mx.refuse.test," + live,
-        "--mx-host=later.test,mx.later.test,10",
-        "--host-record=mx.later.test," + live,
-        "--mx-host=silent.test,mx.silent.test,10",
-        "--host-record=mx.silent.test," + silent,
-    });
+    dns_.setArguments(arguments);
     dns_.start();
     if (WaitForLine(dns_, QProcess::StandardError, "dnsmasq: started").isEmpty())
         return QStringLiteral("dnsmasq did not start on %1:53 (it needs to bind port 53): %2")
@@ -188,10 +201,6 @@ void WithLoopbackMail::SetUp() {
     ASSERT_TRUE(problem_.isEmpty()) << problem_.toStdString();
 }
 
-QByteArray LoopbackMail::SilentServerHeard() const {
-    return silentHeard_;
-}
-
 bool RunUntil(const std::function<bool()>& done, int seconds) {
     const QDeadlineTimer deadline(seconds * 1000);
     while (!done()) {
@@ -200,21 +209,6 @@ bool RunUntil(const std::function<bool()>& done, int seconds) {
         QThread::msleep(5);
     }
     return true;
-}
-
-SendResult SendAndWait(const SendMailSettings& settings, const MailMessage& message,
-                       QStringList* progress) {
-    clsSendMail mail(settings);
-    std::optional<SendResult> result;
-    QObject::connect(&mail, &clsSendMail::progress, [progress](const QString& text) {
-        if (progress != nullptr) *progress << text;
-    });
-    QObject::connect(&mail, &clsSendMail::finished,
-                     [&result](const SendResult& outcome) { result = outcome; });
-    mail.Send(message);
-    if (!RunUntil([&result] { return result.has_value(); }))
-        return SendResult{SendResult::Status::Cancelled, QStringLiteral("no answer in time"), {}};
-    return *result;
 }
 
 }  // namespace felthawk::testing

@@ -17,7 +17,7 @@
 //   silent.test   MX 10 mx.silent.test: accepts the connection, never speaks
 #pragma once
 
-#include <memory>
+#include <functional>
 
 #include <QHostAddress>
 #include <QJsonObject>
@@ -49,7 +49,7 @@ class LoopbackMail {
     int OpenSilentConnections() const;
     // Everything the silent server was sent; it never greets, so a client
     // that plays by the rules sends it nothing.
-    QByteArray SilentServerHeard() const;
+    QByteArray SilentServerHeard() const { return silentHeard_; }
 
   private:
     QString StartSmtpServer();
@@ -76,11 +76,6 @@ class WithLoopbackMail : public ::testing::Test {
     static LoopbackMail* world_;
     static QString problem_;
 };
-
-// One message typed by a user, sent with clsSendMail; the progress texts
-// seen on the way are appended to `progress`.
-SendResult SendAndWait(const SendMailSettings& settings, const MailMessage& message,
-                       QStringList* progress = nullptr);
 
 // Runs the event loop until `done` holds or `seconds` pass; true if it held.
 bool RunUntil(const std::function<bool()>& done, int seconds = 30);

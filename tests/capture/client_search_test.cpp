@@ -13,60 +13,84 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class ClientSearch : public ::testing::Test {
+TextCells Cells(std::string_view text) {
+    std::string error;
+    const std::optional<TextCells> cells = ParseTableCells(text, error);
+    EXPECT_TRUE(cells) << error;
+    return cells.value_or(TextCells{});
+}
+
+// A made-up desktop whose client shows the test table's picture.
+class FakeDesktop : public ::testing::Test {
   protected:
-    ClientSearch() : capture(windows, {data.path(), {FELTHAWK_TEST_ICONS_DIR}}) {}
+    void Show(std::string_view cells, int meSeat = 0) {
+        if (client == 0) client = windows.Add(FakeWindowSystem::kDesktop, "Texas Hold'em");
+        windows[client].picture = DrawTable(Cells(cells), meSeat);
+    }
+    TextCells Pass() {
+        board.shown.clear();
+        capture.ReadClientCards(board);
+        return board.shown.empty() ? TextCells{{"none"}} : board.shown.back();
+    }
+    // The messages of one pass over `cells` with these folders.
+    std::vector<std::string> Stops(CaptureFolders folders, std::string_view cells) {
+        RecordingBoard strict;
+        ClientCapture other(windows, std::move(folders));
+        Show(cells);
+        other.ReadClientCards(strict);
+        EXPECT_TRUE(strict.shown.empty());
+        EXPECT_EQ(strict.clears, 1);
+        return strict.stops;
+    }
 
     TempFolder data;
     FakeWindowSystem windows;
     RecordingBoard board;
-    ClientCapture capture;
+    ClientCapture capture{windows, {data.path(), {FELTHAWK_TEST_ICONS_DIR}}};
+    WindowId client = 0;
 };
 
-TEST_F(ClientSearch, AHitOnATopLevelWindowEndsTheWalk) {
-    const WindowId first = windows.Add(FakeWindowSystem::kDesktop, "Texas Hold'em - table 1");
-    const WindowId second = windows.Add(FakeWindowSystem::kDesktop, "Texas Hold'em - table 2");
-    capture.FindClient(board, 0);
-    EXPECT_TRUE(capture.ClientFound());
-    EXPECT_EQ(capture.ClientWindow(), first);
-    EXPECT_EQ(windows.raised, std::vector<WindowId>{first});
-    EXPECT_EQ(std::count(windows.titlesRead.begin(), windows.titlesRead.end(), second), 0);
+TEST(ClientSearchWalk, TheWalkKeepsItsQuirks) {
+    // Windows top of the stack first; each leading space is one level below
+    // the desktop. The last raised window is the client.
+    struct Case {
+        const char* name;
+        std::vector<std::string> windows;
+        std::vector<int> raised, unread;
+    } cases[] = {
+        {"a top-level hit ends the walk", {"Texas Hold'em - 1", "Texas Hold'em - 2"}, {0}, {1}},
+        {"a child hit stops the children, not the top-level titles; every hit docks",
+         {"frame", " Hold'em lobby", "frame", " Hold'em not searched", "HOLD'EM table"},
+         {1, 4},
+         {3}},
+        {"the last hit stays the client", {"frame", " hold'em", "editor", " Hold'em"}, {1}, {3}},
+        {"grandchildren are never searched", {"top", " child", "  Hold'em"}, {}, {2}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TempFolder data;
+        FakeWindowSystem windows;
+        RecordingBoard board;
+        ClientCapture capture(windows, {data.path(), {}});
+        std::vector<WindowId> ids, parents{FakeWindowSystem::kDesktop};
+        for (const std::string& title : c.windows) {
+            const std::size_t depth = title.find_first_not_of(' ');
+            ids.push_back(windows.Add(parents[depth], title.substr(depth)));
+            parents.resize(depth + 1);
+            parents.push_back(ids.back());
+        }
+        std::vector<WindowId> raised;
+        for (int i : c.raised) raised.push_back(ids[i]);
+        capture.FindClient(board, 0);
+        EXPECT_EQ(windows.raised, raised);
+        EXPECT_EQ(board.compactViews, static_cast<int>(raised.size()));
+        EXPECT_EQ(capture.ClientFound(), !raised.empty());
+        EXPECT_EQ(capture.ClientWindow(), raised.empty() ? 0 : raised.back());
+        for (int i : c.unread) EXPECT_EQ(std::ranges::count(windows.titlesRead, ids[i]), 0) << i;
+    }
 }
 
-TEST_F(ClientSearch, AHitOnAChildStopsTheChildrenButNotTheTopLevelTitles) {
-    // frame1 > hit1, frame2 > hit2, then a top-level hit, then a top-level
-    // window whose child would also be a hit.
-    const WindowId frame1 = windows.Add(FakeWindowSystem::kDesktop, "frame");
-    const WindowId hit1 = windows.Add(frame1, "Hold'em lobby");
-    const WindowId frame2 = windows.Add(FakeWindowSystem::kDesktop, "frame");
-    const WindowId hidden = windows.Add(frame2, "Hold'em not searched");
-    const WindowId top = windows.Add(FakeWindowSystem::kDesktop, "HOLD'EM table");
-    capture.FindClient(board, 0);
-    EXPECT_EQ(windows.raised, (std::vector<WindowId>{hit1, top}));
-    EXPECT_EQ(capture.ClientWindow(), top);
-    EXPECT_EQ(board.compactViews, 2);  // every hit docks
-    EXPECT_EQ(std::count(windows.titlesRead.begin(), windows.titlesRead.end(), hidden), 0);
-}
-
-TEST_F(ClientSearch, TheLastHitStaysTheClientAndGrandchildrenAreNeverSearched) {
-    const WindowId frame = windows.Add(FakeWindowSystem::kDesktop, "frame");
-    const WindowId hit = windows.Add(frame, "hold'em");
-    const WindowId other = windows.Add(FakeWindowSystem::kDesktop, "editor");
-    windows.Add(other, "Hold'em in a child after the first hit");
-    capture.FindClient(board, 0);
-    EXPECT_EQ(capture.ClientWindow(), hit);
-
-    FakeWindowSystem deep;
-    ClientCapture deepCapture(deep, {data.path(), {}});
-    const WindowId a = deep.Add(FakeWindowSystem::kDesktop, "top");
-    const WindowId b = deep.Add(a, "child");
-    deep.Add(b, "Hold'em grandchild");
-    deepCapture.FindClient(board, 0);
-    EXPECT_FALSE(deepCapture.ClientFound());
-    EXPECT_EQ(deepCapture.ClientWindow(), 0u);
-}
-
-TEST_F(ClientSearch, EachSearchStartsAfresh) {
+TEST_F(FakeDesktop, EachSearchStartsAfresh) {
     const WindowId frame = windows.Add(FakeWindowSystem::kDesktop, "frame");
     const WindowId child = windows.Add(frame, "Hold'em child");
     const WindowId later = windows.Add(FakeWindowSystem::kDesktop, "other");
@@ -76,26 +100,24 @@ TEST_F(ClientSearch, EachSearchStartsAfresh) {
     windows.Close(child);
     capture.FindClient(board, 0);  // the raised level of the last walk is gone
     EXPECT_FALSE(capture.ClientFound());
-    EXPECT_EQ(std::count(windows.titlesRead.begin(), windows.titlesRead.end(), laterChild), 1);
+    EXPECT_EQ(std::ranges::count(windows.titlesRead, laterChild), 1);
 }
 
-struct DockCase {
-    WindowRect own;
-    int clientWidth, clientHeight;
-    WindowRect ownAfter;
-    PixelPoint clientAt;
-};
-
-TEST_F(ClientSearch, TheClientDocksCentredAboveTheStrip) {
-    const DockCase cases[] = {
-        {{100, 600, 674, 71}, 780, 440, {100, 600, 674, 71}, {47, 160}},
-        {{100, 40, 674, 71}, 780, 440, {100, 90, 674, 71}, {47, -350}},  // strip moved down
-        {{100, 90, 674, 71}, 780, 440, {100, 90, 674, 71}, {47, -350}},
-        {{100, 500, 675, 71}, 780, 440, {100, 500, 675, 71}, {48, 60}},  // 47.5 to even
-        {{101, 500, 675, 71}, 780, 440, {101, 500, 675, 71}, {48, 60}},  // 48.5 to even
-        {{0, 700, 674, 71}, 100, 50, {0, 700, 674, 71}, {287, 650}},
+TEST_F(FakeDesktop, TheClientDocksCentredAboveTheStrip) {
+    struct Case {
+        WindowRect own;
+        int clientWidth, clientHeight;
+        int ownTopAfter;
+        PixelPoint clientAt;
+    } cases[] = {
+        {{100, 600, 674, 71}, 780, 440, 600, {47, 160}},
+        {{100, 40, 674, 71}, 780, 440, 90, {47, -350}},  // strip moved down
+        {{100, 90, 674, 71}, 780, 440, 90, {47, -350}},
+        {{100, 500, 675, 71}, 780, 440, 500, {48, 60}},  // 47.5 to even
+        {{101, 500, 675, 71}, 780, 440, 500, {48, 60}},  // 48.5 to even
+        {{0, 700, 674, 71}, 100, 50, 700, {287, 650}},
     };
-    for (const DockCase& c : cases) {
+    for (const Case& c : cases) {
         FakeWindowSystem desk;
         ClientCapture search(desk, {data.path(), {}});
         RecordingBoard strip;
@@ -103,75 +125,14 @@ TEST_F(ClientSearch, TheClientDocksCentredAboveTheStrip) {
         const WindowId client =
             desk.Add(FakeWindowSystem::kDesktop, "Hold'em", {5, 5, c.clientWidth, c.clientHeight});
         search.FindClient(strip, 0);
-        EXPECT_EQ(desk[strip.own].rect, c.ownAfter);
+        EXPECT_EQ(desk[strip.own].rect,
+                  (WindowRect{c.own.left, c.ownTopAfter, c.own.width, c.own.height}));
         EXPECT_EQ(desk[client].rect,
                   (WindowRect{c.clientAt.x, c.clientAt.y, c.clientWidth, c.clientHeight}));
-        EXPECT_EQ(strip.compactViews, 1);
     }
 }
 
-TEST_F(ClientSearch, AMinimisedClientIsRestoredBeforeItIsRead) {
-    const WindowId client = windows.Add(FakeWindowSystem::kDesktop, "Hold'em");
-    windows[client].minimised = true;
-    capture.FindClient(board, 0);
-    EXPECT_EQ(windows.showCommands, (std::vector<ShowCommand>{kShow, kShowNormal}));
-    EXPECT_EQ(windows.GetShowCommand(client), kShowNormal);
-    EXPECT_EQ(windows.captures, 1);  // the probe, after the restore
-
-    windows.showCommands.clear();
-    capture.FindClient(board, 0);
-    EXPECT_EQ(windows.showCommands, std::vector<ShowCommand>{kShow});
-}
-
-// The pass, with the client's window showing the test table's picture.
-class CapturePassTest : public ClientSearch {
-  protected:
-    void Show(std::string_view cellsText, int meSeat = 0) {
-        std::string error;
-        const std::optional<TextCells> cells = ParseTableCells(cellsText, error);
-        ASSERT_TRUE(cells) << error;
-        if (client == 0) client = windows.Add(FakeWindowSystem::kDesktop, "Texas Hold'em");
-        windows[client].picture = DrawTable(*cells, meSeat);
-    }
-    TextCells Pass() {
-        board.shown.clear();
-        capture.ReadClientCards(board);
-        return board.shown.empty() ? TextCells{{"none"}} : board.shown.back();
-    }
-    static TextCells Cells(std::string_view text) {
-        std::string error;
-        return *ParseTableCells(text, error);
-    }
-
-    WindowId client = 0;
-};
-
-TEST_F(CapturePassTest, RecognisesWhatTheTableShows) {
-    struct Case {
-        const char* table;
-        int meSeat;
-        int previousSeat;
-        const char* expected;
-    } cases[] = {
-        {"AS,KS,QH,JD,2C,,", 0, 9, "AS,KS,QH,JD,2C,,"},
-        {",,,,,,", 0, 9, ",,,,,,"},
-        {"TS,9D,8C,7H,6S,5D,4C", 0, 9, "TS,9D,8C,7H,6S,5D,4C"},
-        {"2D,AS,3C,,,,", 0, 9, "2D,AS,3C,,,,"},  // three known: no stage, but read
-        {"XX,KH,2S,3S,4S,,", 0, 9, ",KH,2S,3S,4S,,"},
-        {"AH,AD,,,,,", 4, 3, "AH,AD,,,,,"},
-        {"AH,AD,KC,,,,", 4, 9, ",,KC,,,,"},  // the board reads another seat
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.table);
-        Show(c.table, c.meSeat);
-        board.previousSeat = c.previousSeat;
-        EXPECT_EQ(Pass(), Cells(c.expected));
-        EXPECT_TRUE(board.stops.empty());
-    }
-    EXPECT_EQ(board.clears, static_cast<int>(std::size(cases)));
-}
-
-TEST_F(CapturePassTest, EveryCardOfTheDeckIsReadInEverySlot) {
+TEST_F(FakeDesktop, EveryCardOfTheDeckIsReadInEverySlotAndHoleCardsAtTheSeatBefore) {
     for (int first = 0; first < kTemplateCount; first += 3) {
         std::string table;
         for (int cell = 0; cell < kSlotCount; ++cell) {
@@ -181,15 +142,20 @@ TEST_F(CapturePassTest, EveryCardOfTheDeckIsReadInEverySlot) {
         Show(table);
         EXPECT_EQ(Pass(), Cells(table));
     }
+    Show("AH,AD,KC,,,,", 4);
+    board.previousSeat = 3;
+    EXPECT_EQ(Pass(), Cells("AH,AD,KC,,,,"));
+    board.previousSeat = 9;  // the hole cards are read at another seat
+    EXPECT_EQ(Pass(), Cells(",,KC,,,,"));
+    EXPECT_TRUE(board.stops.empty());
 }
 
-TEST_F(CapturePassTest, WritesTheSevenFilesAndTheProbeAndDeletesOldFilesFirst) {
+TEST_F(FakeDesktop, WritesTheSevenFilesAndTheProbeAndDeletesOldFilesFirst) {
     Show(",,,,,,");
-    Pass();
+    EXPECT_EQ(Pass(), Cells(",,,,,,"));
     for (int cell = 0; cell < kSlotCount; ++cell) {
         EXPECT_EQ(fs::file_size(data.path() / CaptureFileName(cell)), 326u);
     }
-    EXPECT_TRUE(fs::exists(data.path() / kProbeIconName));
 
     windows.Close(client);
     EXPECT_EQ(Pass(), TextCells{{"none"}});  // no client: nothing shown
@@ -199,57 +165,17 @@ TEST_F(CapturePassTest, WritesTheSevenFilesAndTheProbeAndDeletesOldFilesFirst) {
     }
 }
 
-TEST_F(CapturePassTest, AClientThatClosesDuringThePassLeavesTheBoardEmpty) {
-    Show("AS,KS,QH,JD,2C,,");
-    windows.onCapture = [&](int count) {
-        if (count == 1) windows.Close(client);  // right after the probe
-    };
-    EXPECT_EQ(Pass(), Cells(",,,,,,"));
-    EXPECT_TRUE(board.stops.empty());
-}
+TEST_F(FakeDesktop, NoTemplateFolderOrAnUnwritableFolderStopsCaptureWithOneMessage) {
+    // No template folder at all: the first template where the user keeps them.
+    EXPECT_EQ(Stops({data.path(), {data.path() / "nowhere"}}, ",,,,,,"),
+              std::vector<std::string>{"Card template missing or unreadable: " +
+                                       (data.path() / "Icons" / "2 D.ico").string()});
 
-TEST_F(CapturePassTest, AMissingTemplateStopsCaptureAndNamesTheFile) {
-    TempFolder icons;
-    for (const auto& entry : fs::directory_iterator(FELTHAWK_TEST_ICONS_DIR)) {
-        fs::copy_file(entry.path(), icons.path() / entry.path().filename());
-    }
-    struct Case {
-        const char* removed;
-        const char* table;
-    } cases[] = {{"7 H.ico", "AS,KS,,,,,"}, {"2 D.ico", ",,,,,,"}, {"A S.ico", "AS,,,,,,"}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.removed);
-        fs::remove(icons.path() / c.removed);
-        RecordingBoard strict;
-        ClientCapture partial(windows, {data.path(), {icons.path()}});
-        Show(c.table);
-        partial.ReadClientCards(strict);
-        ASSERT_EQ(strict.stops.size(), 1u);
-        EXPECT_EQ(strict.stops[0],
-                  "Card template missing or unreadable: " + (icons.path() / c.removed).string());
-        EXPECT_TRUE(strict.shown.empty());
-        EXPECT_EQ(strict.clears, 1);
-        fs::copy_file(fs::path(FELTHAWK_TEST_ICONS_DIR) / c.removed, icons.path() / c.removed);
-    }
-}
-
-TEST_F(CapturePassTest, NoTemplateFolderAtAllNamesTheFirstTemplateWhereTheUserKeepsThem) {
-    ClientCapture bare(windows, {data.path(), {data.path() / "nowhere"}});
-    Show("AS,,,,,,");
-    bare.ReadClientCards(board);
-    ASSERT_EQ(board.stops.size(), 1u);
-    EXPECT_EQ(board.stops[0], "Card template missing or unreadable: " +
-                                  (data.path() / "Icons" / "2 D.ico").string());
-}
-
-TEST_F(CapturePassTest, AFolderThatCannotBeWrittenStopsCaptureWithAMessage) {
     std::ofstream(data.path() / "blocked") << "a file where the folder should be";
-    ClientCapture blocked(windows, {data.path() / "blocked", {FELTHAWK_TEST_ICONS_DIR}});
-    Show("AS,,,,,,");
-    blocked.ReadClientCards(board);
-    ASSERT_EQ(board.stops.size(), 1u);
-    EXPECT_NE(board.stops[0].find("t6.icc"), std::string::npos);
-    EXPECT_TRUE(board.shown.empty());
+    const std::vector<std::string> stops =
+        Stops({data.path() / "blocked", {FELTHAWK_TEST_ICONS_DIR}}, "AS,,,,,,");
+    ASSERT_EQ(stops.size(), 1u);
+    EXPECT_NE(stops[0].find("t6.icc"), std::string::npos);
 }
 
 }  // namespace

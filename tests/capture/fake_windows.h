@@ -12,9 +12,7 @@ namespace felthawk {
 struct FakeWindow {
     WindowId parent = 0;
     std::string title;
-    std::string windowClass = "Fake";
     WindowRect rect;
-    bool minimised = false;
     QImage picture;  // what a screenshot of it shows
 };
 
@@ -24,7 +22,7 @@ class FakeWindowSystem : public IWindowSystem {
 
     WindowId Add(WindowId parent, std::string title, WindowRect rect = {0, 0, 780, 440}) {
         const WindowId id = nextId_++;
-        windows_[id] = FakeWindow{parent, std::move(title), "Fake", rect, false, {}};
+        windows_[id] = FakeWindow{parent, std::move(title), rect, {}};
         order_.push_back(id);
         return id;
     }
@@ -44,43 +42,27 @@ class FakeWindowSystem : public IWindowSystem {
         titlesRead.push_back(window);
         return windows_.count(window) ? windows_[window].title : "";
     }
-    std::string ClassName(WindowId window) override {
-        return windows_.count(window) ? windows_[window].windowClass : "";
-    }
+    std::string ClassName(WindowId window) override { return windows_.count(window) ? "Fake" : ""; }
     std::optional<WindowRect> GetWindowRect(WindowId window) override {
         if (!windows_.count(window)) return std::nullopt;
         return windows_[window].rect;
     }
     void MoveWindow(WindowId window, const WindowRect& rect) override {
-        moves.emplace_back(window, rect);
         if (windows_.count(window)) windows_[window].rect = rect;
     }
-    ShowCommand GetShowCommand(WindowId window) override {
-        return windows_.count(window) && windows_[window].minimised ? kShowMinimised : kShowNormal;
-    }
-    // As on the desktop the design came from: showing a minimised window
-    // leaves it minimised; only the normal show command restores it.
-    void SetShowCommand(WindowId window, ShowCommand command) override {
-        showCommands.push_back(command);
-        if (command == kShowNormal && windows_.count(window)) windows_[window].minimised = false;
-    }
+    ShowCommand GetShowCommand(WindowId) override { return kShowNormal; }
+    void SetShowCommand(WindowId, ShowCommand) override {}
     void BringWindowToTop(WindowId window) override {
         raised.push_back(window);
         if (windows_.count(window)) foreground_ = window;
     }
     WindowId ForegroundWindow() override { return foreground_; }
     QImage CaptureWindow(WindowId window) override {
-        ++captures;
-        if (onCapture) onCapture(captures);
         return windows_.count(window) ? windows_[window].picture : QImage();
     }
 
     std::vector<WindowId> titlesRead;
-    std::vector<std::pair<WindowId, WindowRect>> moves;
-    std::vector<ShowCommand> showCommands;
     std::vector<WindowId> raised;
-    int captures = 0;
-    std::function<void(int)> onCapture;
 
   private:
     // The child of `parent` after `previous` in the stacking list.

@@ -11,13 +11,7 @@ namespace felthawk {
 namespace {
 
 namespace fs = std::filesystem;
-
-uint32_t U16(const std::vector<uint8_t>& b, std::size_t at) {
-    return b[at] | b[at + 1] << 8;
-}
-uint32_t U32(const std::vector<uint8_t>& b, std::size_t at) {
-    return U16(b, at) | U16(b, at + 2) << 16;
-}
+using Bytes = std::vector<uint8_t>;
 
 IconPixels Filled(uint32_t colour) {
     IconPixels pixels;
@@ -25,84 +19,54 @@ IconPixels Filled(uint32_t colour) {
     return pixels;
 }
 
-std::vector<uint8_t> ReadFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+Bytes Slice(const Bytes& file, std::size_t at, std::size_t count) {
+    return {file.begin() + at, file.begin() + at + count};
 }
 
-struct HeaderCase {
-    int depth;
-    std::size_t fileSize;
-    uint8_t colourCount;
-    uint16_t planes;
-    uint16_t bitCount;
-    uint32_t bytesInResource;
-    uint32_t sizeImage;
-    uint32_t coloursUsed;
-};
-
 TEST(IconWriter, HeadersAtEveryDepthAreWrittenWithTheirOddFields) {
-    const HeaderCase cases[] = {
+    struct Case {
+        int depth;
+        std::size_t fileSize;
+        uint32_t colourCount, planes, bitCount, bytesInResource, sizeImage, coloursUsed;
+    } cases[] = {
         {1, 326, 0, 5, 7, 304, 128, 0},
         {4, 766, 16, 0, 0, 744, 2, 0},
         {8, 2238, 0, 0, 0, 2216, 1152, 256},
         {24, 3266, 0, 0, 0, 3244, 1153, 1},
     };
-    for (const HeaderCase& c : cases) {
+    for (const Case& c : cases) {
         SCOPED_TRACE(c.depth);
-        const std::vector<uint8_t> file = EncodeIcon(Filled(0x336699), 0x000000, c.depth);
+        // Directory, its one entry and the info header, little-endian.
+        Bytes header;
+        auto put = [&](uint32_t value, int size) {
+            for (int i = 0; i < size; ++i) header.push_back((value >> (8 * i)) & 0xFF);
+        };
+        put(0, 2), put(1, 2), put(1, 2), put(32, 1), put(32, 1), put(c.colourCount, 1);
+        put(0, 1), put(c.planes, 2), put(c.bitCount, 2), put(c.bytesInResource, 4), put(22, 4);
+        put(40, 4), put(32, 4), put(64, 4), put(1, 2), put(c.depth, 2), put(0, 4);
+        put(c.sizeImage, 4), put(0, 4), put(0, 4), put(c.coloursUsed, 4), put(0, 4);
+        const Bytes file = EncodeIcon(Filled(0x336699), 0x000000, c.depth);
         ASSERT_EQ(file.size(), c.fileSize);
         EXPECT_EQ(IconFileSize(c.depth), c.fileSize);
-        EXPECT_EQ(U16(file, 0), 0u);
-        EXPECT_EQ(U16(file, 2), 1u);
-        EXPECT_EQ(U16(file, 4), 1u);
-        EXPECT_EQ(file[6], 32);
-        EXPECT_EQ(file[7], 32);
-        EXPECT_EQ(file[8], c.colourCount);
-        EXPECT_EQ(file[9], 0);
-        EXPECT_EQ(U16(file, 10), c.planes);
-        EXPECT_EQ(U16(file, 12), c.bitCount);
-        EXPECT_EQ(U32(file, 14), c.bytesInResource);
-        EXPECT_EQ(U32(file, 18), 22u);
-        EXPECT_EQ(U32(file, 22), 40u);
-        EXPECT_EQ(U32(file, 26), 32u);
-        EXPECT_EQ(U32(file, 30), 64u);
-        EXPECT_EQ(U16(file, 34), 1u);
-        EXPECT_EQ(U16(file, 36), static_cast<uint32_t>(c.depth));
-        EXPECT_EQ(U32(file, 38), 0u);
-        EXPECT_EQ(U32(file, 42), c.sizeImage);
-        EXPECT_EQ(U32(file, 46), 0u);
-        EXPECT_EQ(U32(file, 50), 0u);
-        EXPECT_EQ(U32(file, 54), c.coloursUsed);
-        EXPECT_EQ(U32(file, 58), 0u);
+        EXPECT_EQ(Slice(file, 0, header.size()), header);
     }
 }
 
-TEST(IconWriter, ColourTablesAtTheirPlaceAndDepth24HasFourBlanks) {
-    const std::vector<uint8_t> one = EncodeIcon(Filled(0), 1, 1);
-    EXPECT_EQ(std::vector<uint8_t>(one.begin() + 62, one.begin() + 70),
-              (std::vector<uint8_t>{0, 0, 0, 0, 255, 255, 255, 0}));
-    const std::vector<uint8_t> four = EncodeIcon(Filled(0), 1, 4);
-    // Entry 9 is bright red, stored blue, green, red, 0.
-    EXPECT_EQ(std::vector<uint8_t>(four.begin() + 62 + 36, four.begin() + 62 + 40),
-              (std::vector<uint8_t>{0, 0, 255, 0}));
-    const std::vector<uint8_t> eight = EncodeIcon(Filled(0), 1, 8);
-    EXPECT_EQ(U32(eight, 62 + 4 * 255), 0x00FFFFFFu);
-    const std::vector<uint8_t> deep = EncodeIcon(Filled(0), 1, 24);
-    EXPECT_EQ(U32(deep, 62), 0x20202020u);
-}
-
-struct PixelCase {
-    int depth;
-    int x, y;
-    uint32_t colour;
-    std::size_t imageByte;  // from the start of the image bits
-    std::vector<uint8_t> expected;
-};
-
-TEST(IconWriter, PixelsLandBottomRowFirstAndLeftmostInTheHighBits) {
+TEST(IconWriter, ColourTablesAndPixelsLandBottomRowFirstLeftmostInTheHighBits) {
     const std::size_t table1 = 62 + 8, table4 = 62 + 64, table8 = 62 + 1024, table24 = 62 + 4;
-    const PixelCase cases[] = {
+    struct Case {
+        int depth;
+        int x, y;
+        uint32_t colour;
+        std::size_t at;  // from the start of the file
+        Bytes expected;
+    } cases[] = {
+        // The colour tables, on a black picture.
+        {1, 0, 0, 0, 62, {0, 0, 0, 0, 255, 255, 255, 0}},
+        {4, 0, 0, 0, 62 + 36, {0, 0, 255, 0}},  // entry 9, bright red
+        {8, 0, 0, 0, 62 + 4 * 255, {255, 255, 255, 0}},
+        {24, 0, 0, 0, 62, {0x20, 0x20, 0x20, 0x20}},  // four blanks
+        // One pixel set.
         {1, 0, 31, 0xFFFFFF, table1 + 0, {0x80}},
         {1, 31, 0, 0xFFFFFF, table1 + 127, {0x01}},
         {1, 9, 30, 0xC0C0C0, table1 + 4 + 1, {0x40}},
@@ -117,83 +81,61 @@ TEST(IconWriter, PixelsLandBottomRowFirstAndLeftmostInTheHighBits) {
         {24, 0, 31, 0x123456, table24 + 0, {0x56, 0x34, 0x12}},
         {24, 31, 0, 0xABCDEF, table24 + 31 * 96 + 93, {0xEF, 0xCD, 0xAB}},
     };
-    for (const PixelCase& c : cases) {
-        SCOPED_TRACE(testing::Message() << "depth " << c.depth << " at " << c.x << "," << c.y);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "depth " << c.depth << " at " << c.at);
         IconPixels pixels = Filled(0);
         pixels[c.y * kIconSide + c.x] = c.colour;
-        const std::vector<uint8_t> file = EncodeIcon(pixels, 0x010203, c.depth);
-        for (std::size_t i = 0; i < c.expected.size(); ++i) {
-            EXPECT_EQ(file[c.imageByte + i], c.expected[i]) << "byte " << i;
-        }
-        // Nothing is transparent.
-        const std::size_t maskStart = file.size() - 128;
-        for (std::size_t i = maskStart; i < file.size(); ++i) ASSERT_EQ(file[i], 0);
+        const Bytes file = EncodeIcon(pixels, 0x010203, c.depth);
+        EXPECT_EQ(Slice(file, c.at, c.expected.size()), c.expected);
+        EXPECT_EQ(Slice(file, file.size() - 128, 128), Bytes(128, 0));  // nothing transparent
     }
 }
 
-TEST(IconWriter, OneColourPictureTransparentAtItsCornerIsAllMaskAndBlack) {
+TEST(IconWriter, TheMaskMarksExactlyTheTransparentColourAndItIsBlackInTheImage) {
     for (int depth : {1, 4, 8, 24}) {
         SCOPED_TRACE(depth);
-        const std::vector<uint8_t> file = EncodeIcon(Filled(0xFFFFFF), 0xFFFFFF, depth);
-        const std::size_t maskStart = file.size() - 128;
-        const std::size_t bitsStart = maskStart - (depth == 24 ? 3072 : 32 * 32 * depth / 8);
-        for (std::size_t i = bitsStart; i < maskStart; ++i) ASSERT_EQ(file[i], 0) << i;
-        for (std::size_t i = maskStart; i < file.size(); ++i) ASSERT_EQ(file[i], 0xFF) << i;
+        const Bytes file = EncodeIcon(Filled(0xFFFFFF), 0xFFFFFF, depth);
+        const std::size_t bits = depth == 24 ? 3072 : 32 * 32 * depth / 8;
+        EXPECT_EQ(Slice(file, file.size() - 128 - bits, bits), Bytes(bits, 0));
+        EXPECT_EQ(Slice(file, file.size() - 128, 128), Bytes(128, 0xFF));
     }
-}
-
-TEST(IconWriter, MaskMarksExactlyTheTransparentColour) {
     IconPixels pixels = Filled(0x202020);
     pixels[31 * kIconSide + 0] = 0x202021;    // one step away is not transparent
     pixels[0 * kIconSide + 31] = 0xFF202021;  // the top byte is no part of the colour
-    const std::vector<uint8_t> file = EncodeIcon(pixels, 0x202020, 1);
-    const std::size_t mask = 326 - 128;
-    EXPECT_EQ(file[mask + 0], 0x7F);    // bottom row, leftmost pixel kept
-    EXPECT_EQ(file[mask + 127], 0xFE);  // top row, rightmost pixel kept
-    EXPECT_EQ(file[mask + 64], 0xFF);
+    const Bytes file = EncodeIcon(pixels, 0x202020, 1);
+    EXPECT_EQ(file[198 + 0], 0x7F);    // bottom row, leftmost pixel kept
+    EXPECT_EQ(file[198 + 127], 0xFE);  // top row, rightmost pixel kept
+    EXPECT_EQ(file[198 + 64], 0xFF);
 }
 
-TEST(IconWriter, UnknownDepthsWriteNothingAndLeaveFilesAlone) {
+TEST(IconWriter, SavingDepth24KeepsALongerTailOthersReplaceUnknownDepthsWriteNothing) {
     TempFolder folder;
-    const fs::path path = folder.path() / "old.ico";
-    std::ofstream(path) << "older contents";
-    for (int depth : {0, 2, 3, 16, 32}) {
+    const Bytes older(5000, 0xAB);
+    for (int depth : {1, 4, 8, 24, 0, 2, 3, 16, 32}) {
         SCOPED_TRACE(depth);
-        EXPECT_TRUE(EncodeIcon(Filled(0), 0, depth).empty());
-        const IconWriteResult result = SavePicToIcon(Filled(0), 0, path, depth);
-        EXPECT_FALSE(result.written);
-        EXPECT_TRUE(result.error.empty());
-        EXPECT_EQ(fs::file_size(path), 14u);
-        SavePicToIcon(Filled(0), 0, folder.path() / "new.ico", depth);
-        EXPECT_FALSE(fs::exists(folder.path() / "new.ico"));
-    }
-}
-
-TEST(IconWriter, Depth24KeepsTheTailOfALongerFileOthersReplaceIt) {
-    TempFolder folder;
-    const std::vector<uint8_t> older(5000, 0xAB);
-    for (int depth : {1, 4, 8, 24}) {
-        SCOPED_TRACE(depth);
+        const bool known = depth == 1 || depth == 4 || depth == 8 || depth == 24;
         const fs::path path = folder.path() / ("icon" + std::to_string(depth) + ".ico");
         std::ofstream(path, std::ios::binary)
             .write(reinterpret_cast<const char*>(older.data()), older.size());
-        ASSERT_TRUE(SavePicToIcon(Filled(0x445566), 0, path, depth).written);
-        const std::vector<uint8_t> file = ReadFile(path);
-        const std::vector<uint8_t> encoded = EncodeIcon(Filled(0x445566), 0, depth);
-        ASSERT_EQ(file.size(), depth == 24 ? older.size() : encoded.size());
-        EXPECT_TRUE(std::equal(encoded.begin(), encoded.end(), file.begin()));
-        if (depth == 24) {
-            EXPECT_EQ(file.back(), 0xAB);
+        const IconWriteResult result = SavePicToIcon(Filled(0x445566), 0, path, depth);
+        EXPECT_EQ(result.written, known);
+        EXPECT_TRUE(result.error.empty());
+        std::ifstream in(path, std::ios::binary);
+        const Bytes file{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+        Bytes expected = EncodeIcon(Filled(0x445566), 0, depth);
+        EXPECT_EQ(expected.empty(), !known);
+        if (depth == 24 || !known) {
+            expected.insert(expected.end(), older.begin() + expected.size(), older.end());
         }
+        EXPECT_EQ(file, expected);
+        const fs::path fresh = folder.path() / ("new" + std::to_string(depth) + ".ico");
+        SavePicToIcon(Filled(0), 0, fresh, depth);
+        EXPECT_EQ(fs::exists(fresh), known);
     }
-}
-
-TEST(IconWriter, AFileThatCannotBeOpenedIsReportedByName) {
-    TempFolder folder;
-    const fs::path path = folder.path() / "missing-folder" / "t1.icc";
-    const IconWriteResult result = SavePicToIcon(Filled(0), 0, path, 1);
+    const fs::path unopenable = folder.path() / "missing-folder" / "t1.icc";
+    const IconWriteResult result = SavePicToIcon(Filled(0), 0, unopenable, 1);
     EXPECT_FALSE(result.written);
-    EXPECT_NE(result.error.find(path.string()), std::string::npos);
+    EXPECT_NE(result.error.find(unopenable.string()), std::string::npos);
 }
 
 }  // namespace

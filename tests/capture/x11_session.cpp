@@ -65,23 +65,18 @@ TableProcess::~TableProcess() {
 WindowId TableProcess::Start(const QStringList& arguments) {
     process_.start(FELTHAWK_TABLE_PROGRAM, QStringList{"--commands"} + arguments);
     if (!process_.waitForStarted(kStartTimeoutMs)) return 0;
-    window_ = WaitReady();
-    return window_;
+    return WaitForTableReady(process_, kStartTimeoutMs);
 }
 
 bool TableProcess::Deal(const std::string& cells) {
     process_.write(("cells " + cells + "\n").c_str());
-    return WaitReady() != 0;
+    return WaitForTableReady(process_, kStartTimeoutMs) != 0;
 }
 
 void TableProcess::Kill() {
     if (process_.state() == QProcess::NotRunning) return;
     process_.kill();
     process_.waitForFinished(kStartTimeoutMs);
-}
-
-WindowId TableProcess::WaitReady() {
-    return WaitForTableReady(process_, kStartTimeoutMs);
 }
 
 }  // namespace felthawk

@@ -44,13 +44,9 @@ class TableProcess {
     // Deals new cells and waits until they show; false if refused.
     bool Deal(const std::string& cells);
     void Kill();
-    WindowId Window() const { return window_; }
 
   private:
-    WindowId WaitReady();
-
     QProcess process_;
-    WindowId window_ = 0;
 };
 
 }  // namespace felthawk

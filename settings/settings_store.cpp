@@ -21,22 +21,22 @@ enum class SettingType {
 
 enum class Setting { Transparency, Mouse, SavedHand };
 
-struct SettingSpec {
+struct SettingRow {
     Setting id;
     const char* key;  // the saved hands append their place 1..10
     SettingType type;
     const char* fallback;
 };
 
-constexpr SettingSpec kSettingsTable[] = {
+constexpr SettingRow kSettingsTable[] = {
     {Setting::Transparency, "MTRANS", SettingType::Number, "80"},
     {Setting::Mouse, "MOUSE", SettingType::Text, "LEFT"},
     {Setting::SavedHand, "HAND", SettingType::Text, ""},
 };
 
-constexpr const SettingSpec& Spec(Setting id) {
-    for (const SettingSpec& spec : kSettingsTable) {
-        if (spec.id == id) return spec;
+constexpr const SettingRow& RowOf(Setting id) {
+    for (const SettingRow& row : kSettingsTable) {
+        if (row.id == id) return row;
     }
     throw std::logic_error("setting missing from the table");
 }
@@ -45,15 +45,15 @@ constexpr const char* kLeft = "LEFT";
 constexpr const char* kRight = "RIGHT";
 
 QString HandKey(uint8_t place) {
-    return QString::fromLatin1(Spec(Setting::SavedHand).key) + QString::number(place);
+    return QString::fromLatin1(RowOf(Setting::SavedHand).key) + QString::number(place);
 }
 
 // A positive whole number from a stored text, read the way the runtime reads
 // numbers ("150", " 150", "150abc"), halves to even; the default for no
 // number, 0, a negative number or one too large for the setting. A fraction
 // that rounds to 0 counts as 0: a setting of 0 would make the window vanish.
-int16_t ReadNumber(const SettingSpec& spec, const QString& text) {
-    const auto fallback = static_cast<int16_t>(QString::fromLatin1(spec.fallback).toInt());
+int16_t ReadNumber(const SettingRow& row, const QString& text) {
+    const auto fallback = static_cast<int16_t>(QString::fromLatin1(row.fallback).toInt());
     const double value = Val(text.toStdString());
     if (!(value > 0)) return fallback;
     try {
@@ -69,28 +69,28 @@ class Store {
     Store() : settings_("FELTHAWK", "FELTHAWK") { settings_.beginGroup("SETTINGS"); }
 
     // The value under `key` as the setting's type reads it.
-    QVariant Read(const SettingSpec& spec, const QString& key) const {
-        const QString text = RawText(spec, key);
-        switch (spec.type) {
+    QVariant Read(const SettingRow& row, const QString& key) const {
+        const QString text = RawText(row, key);
+        switch (row.type) {
             case SettingType::Number:
-                return ReadNumber(spec, text);
+                return ReadNumber(row, text);
             case SettingType::Text:
                 break;
         }
         return text;
     }
     QVariant Read(Setting id) const {
-        const SettingSpec& spec = Spec(id);
-        return Read(spec, QString::fromLatin1(spec.key));
+        const SettingRow& row = RowOf(id);
+        return Read(row, QString::fromLatin1(row.key));
     }
 
     void Write(const QString& key, const QString& text) { settings_.setValue(key, text); }
     void Remove(const QString& key) { settings_.remove(key); }
 
   private:
-    QString RawText(const SettingSpec& spec, const QString& key) const {
+    QString RawText(const SettingRow& row, const QString& key) const {
         const QVariant value = settings_.value(key);
-        if (!value.isValid()) return QString::fromLatin1(spec.fallback);
+        if (!value.isValid()) return QString::fromLatin1(row.fallback);
         // A text with commas that was written by hand, unquoted, comes back
         // as a list; put the commas back rather than lose the text.
         if (value.typeId() == QMetaType::QStringList) return value.toStringList().join(',');
@@ -112,14 +112,14 @@ FelthawkSettings GetFelthawkSettings() {
 
 void SetFelthawksettings(const FelthawkSettings& settings) {
     Store store;
-    store.Write(QString::fromLatin1(Spec(Setting::Transparency).key),
+    store.Write(QString::fromLatin1(RowOf(Setting::Transparency).key),
                 QString::number(settings.transparency));
-    store.Write(QString::fromLatin1(Spec(Setting::Mouse).key),
+    store.Write(QString::fromLatin1(RowOf(Setting::Mouse).key),
                 QString::fromLatin1(settings.leftMouse ? kLeft : kRight));
 }
 
 QString GetSavedHand(uint8_t place) {
-    return Store().Read(Spec(Setting::SavedHand), HandKey(place)).toString();
+    return Store().Read(RowOf(Setting::SavedHand), HandKey(place)).toString();
 }
 
 void PutSavedHand(const QString& text, uint8_t place) {

@@ -86,4 +86,10 @@ struct CalcState {
     }
 };
 
+// Adds one at the rank of every slot of gCards to the given counter array
+// (an empty slot counts at index 0).
+inline void CountRanks(const CalcState& state, FixedArray<int16_t, 0, 14>& counts) {
+    for (int slot = 0; slot < kSlotCount; ++slot) counts[RankOf(state.gCards[slot])] += 1;
+}
+
 }  // namespace felthawk

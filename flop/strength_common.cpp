@@ -19,12 +19,6 @@ void CountSeats(const CalcState& state, int16_t& folded, int16_t& empty) {
     }
 }
 
-void CountRanks(const CalcState& state, FixedArray<int16_t, 0, 14>& counts) {
-    for (int slot = 0; slot < kSlotCount; ++slot) {
-        counts[RankOf(state.gCards[slot])] += 1;
-    }
-}
-
 bool RankAtLeast(const CalcState& state, long rank, long first, long last, long minCount) {
     if (last > 6) last = 6;
     long count = 0;

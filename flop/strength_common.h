@@ -18,10 +18,6 @@ double DrawChance(int16_t unseen, double outsFirst, double outsSecond);
 // Counts "F" and "E" seats.
 void CountSeats(const CalcState& state, int16_t& folded, int16_t& empty);
 
-// Adds one at the rank of every slot of gCards to the given counter array
-// (an empty slot counts at index 0).
-void CountRanks(const CalcState& state, FixedArray<int16_t, 0, 14>& counts);
-
 // True when at least minCount of the slots first..last hold the rank. last
 // is capped at 6. Rank 0 is a rank like any other: on the flop the two empty
 // slots 5 and 6 form a pair of rank 0 whenever a scan reaches them.

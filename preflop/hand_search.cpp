@@ -454,7 +454,7 @@ void FullHouseOdds(CalcState& state) {
 
 void FourOfAKindOdds(CalcState& state) {
     state.gRankCount.Erase();
-    for (int slot = 0; slot < kSlotCount; ++slot) state.gRankCount[RankOf(state.gCards[slot])] += 1;
+    CountRanks(state, state.gRankCount);
     const int16_t unknown = Unknown(state);
 
     int n = 0;

@@ -1,5 +1,4 @@
-// A desktop of made-up windows for testing the search and the pass without
-// an X server. Windows are listed top of the stack first.
+// Made-up windows, top of the stack first, and a board that records the pass.
 #pragma once
 
 #include <map>
@@ -13,7 +12,7 @@ struct FakeWindow {
     WindowId parent = 0;
     std::string title;
     WindowRect rect;
-    QImage picture;  // what a screenshot of it shows
+    QImage picture;
 };
 
 class FakeWindowSystem : public IWindowSystem {
@@ -21,16 +20,14 @@ class FakeWindowSystem : public IWindowSystem {
     static constexpr WindowId kDesktop = 1;
 
     WindowId Add(WindowId parent, std::string title, WindowRect rect = {0, 0, 780, 440}) {
-        const WindowId id = nextId_++;
-        windows_[id] = FakeWindow{parent, std::move(title), rect, {}};
-        order_.push_back(id);
-        return id;
+        windows_[nextId_] = FakeWindow{parent, std::move(title), rect, {}};
+        order_.push_back(nextId_);
+        return nextId_++;
     }
     FakeWindow& operator[](WindowId id) { return windows_.at(id); }
     void Close(WindowId id) {
         windows_.erase(id);
         std::erase(order_, id);
-        if (foreground_ == id) foreground_ = 0;
     }
 
     WindowId DesktopWindow() override { return kDesktop; }
@@ -52,20 +49,15 @@ class FakeWindowSystem : public IWindowSystem {
     }
     ShowCommand GetShowCommand(WindowId) override { return kShowNormal; }
     void SetShowCommand(WindowId, ShowCommand) override {}
-    void BringWindowToTop(WindowId window) override {
-        raised.push_back(window);
-        if (windows_.count(window)) foreground_ = window;
-    }
-    WindowId ForegroundWindow() override { return foreground_; }
+    void BringWindowToTop(WindowId window) override { raised.push_back(window); }
+    WindowId ForegroundWindow() override { return raised.empty() ? 0 : raised.back(); }
     QImage CaptureWindow(WindowId window) override {
         return windows_.count(window) ? windows_[window].picture : QImage();
     }
 
-    std::vector<WindowId> titlesRead;
-    std::vector<WindowId> raised;
+    std::vector<WindowId> titlesRead, raised;
 
   private:
-    // The child of `parent` after `previous` in the stacking list.
     WindowId After(WindowId parent, WindowId previous, bool first) {
         bool passed = first;
         for (WindowId id : order_) {
@@ -79,10 +71,8 @@ class FakeWindowSystem : public IWindowSystem {
     std::map<WindowId, FakeWindow> windows_;
     std::vector<WindowId> order_;
     WindowId nextId_ = 2;
-    WindowId foreground_ = 0;
 };
 
-// A board that records what the pass asks of it.
 class RecordingBoard : public ICaptureBoard {
   public:
     WindowId own = 0;

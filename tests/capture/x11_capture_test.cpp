@@ -1,5 +1,4 @@
-// Capture against the real felthawk-table on an Xvfb of the tests' own:
-// through the capture module, then through the whole main window.
+// Capture against the real felthawk-table on an Xvfb of the tests' own.
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
 
@@ -12,6 +11,7 @@
 #include <QTimer>
 #include <cmath>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <set>
 
@@ -36,56 +36,19 @@ TextCells Cells(std::string_view text) {
     return *ParseTableCells(text, error);
 }
 
-// One Xvfb and one QApplication for the whole run.
-class X11Environment : public ::testing::Environment {
-  public:
-    X11Environment(int argc, char** argv) : argc_(argc), argv_(argv) {}
-    void SetUp() override {
-        std::string error;
-        ASSERT_TRUE(server_.Start(error)) << error;
-        ::setenv("DISPLAY", server_.Display().c_str(), 1);
-        ::setenv("QT_QPA_PLATFORM", "xcb", 1);
-        // Settings and per-user files of the program stay inside the test.
-        ::setenv("XDG_CONFIG_HOME", home_.path().c_str(), 1);
-        ::setenv("XDG_DATA_HOME", home_.path().c_str(), 1);
-        app_ = std::make_unique<QApplication>(argc_, argv_);
-    }
-    void TearDown() override { app_.reset(); }
-
-  private:
-    int argc_;
-    char** argv_;
-    XvfbServer server_;
-    TempFolder home_;
-    std::unique_ptr<QApplication> app_;
-};
-
 class X11Capture : public ::testing::Test {
   protected:
-    void SetUp() override {
-        std::string error;
-        windows = XcbWindowSystem::Open(error);
-        ASSERT_TRUE(windows) << error;
-        capture = std::make_unique<ClientCapture>(
-            *windows, CaptureFolders{data.path(), {FELTHAWK_TEST_ICONS_DIR}});
-        // A stand-in for the board's strip, low enough that the docked
-        // table stays on the screen.
-        strip.setFixedSize(674, 71);
-        strip.move(150, 600);
-        strip.show();
-        QTest::qWait(100);
-        board.own = strip.winId();
-    }
+    void SetUp() override { ASSERT_TRUE(windows) << error; }
     TextCells Pass() {
         board.shown.clear();
-        capture->ReadClientCards(board);
+        capture.ReadClientCards(board);
         return board.shown.empty() ? TextCells{{"none"}} : board.shown.back();
     }
 
+    std::string error;
+    std::unique_ptr<XcbWindowSystem> windows = XcbWindowSystem::Open(error);
     TempFolder data;
-    std::unique_ptr<XcbWindowSystem> windows;
-    std::unique_ptr<ClientCapture> capture;
-    QWidget strip;
+    ClientCapture capture{*windows, {data.path(), {FELTHAWK_TEST_ICONS_DIR}}};
     RecordingBoard board;
     TableProcess table;
 };
@@ -93,10 +56,7 @@ class X11Capture : public ::testing::Test {
 TEST_F(X11Capture, TheClientIsFoundByHoldEmInItsTitleInAnyCase) {
     const std::pair<std::string, bool> cases[] = {
         {"Texas HOLD'EM - table 4", true},
-        {"hOLD'eM no limit", true},
         {"Texas Holdem - table 4", false},
-        {"Hold em", false},
-        {"Hold\u2019em", false},
         {std::string(240, 'x') + "Hold'em", true},
         {std::string(250, 'x') + "Hold'em", false},  // past the 254 characters read
     };
@@ -105,47 +65,35 @@ TEST_F(X11Capture, TheClientIsFoundByHoldEmInItsTitleInAnyCase) {
         TableProcess client;
         const WindowId id = client.Start({"--title", QString::fromStdString(title)});
         ASSERT_NE(id, 0u);
-        capture->FindClient(board, 0);
-        EXPECT_EQ(capture->ClientFound(), found);
-        EXPECT_EQ(capture->ClientWindow(), found ? id : 0);
+        capture.FindClient(board, 0);
+        EXPECT_EQ(capture.ClientWindow(), found ? id : 0);
     }
 }
 
-TEST_F(X11Capture, OnePassReadsWhatTheTableShows) {
-    ASSERT_NE(table.Start({}), 0u);
-    const std::pair<const char*, const char*> deals[] = {
-        {"AS,KS,QH,JD,2C,,", "AS,KS,QH,JD,2C,,"},          // hole cards and a flop, no turn
-        {",,,,,,", ",,,,,,"},                              // an empty table
-        {"9C,9D,,,,,", "9C,9D,,,,,"},                      // before the flop
-        {"XX,KH,2S,3S,4S,,", ",KH,2S,3S,4S,,"},            // one hole card face down
-        {"TS,2H,7D,8D,9D,JC,AC", "TS,2H,7D,8D,9D,JC,AC"},  // the river
-    };
-    for (const auto& [deal, read] : deals) {
-        SCOPED_TRACE(deal);
-        ASSERT_TRUE(table.Deal(deal));
-        EXPECT_EQ(Pass(), Cells(read));
-        EXPECT_TRUE(board.stops.empty());
-    }
-}
-
-TEST_F(X11Capture, AMinimisedTableIsShownAgainAndRead) {
-    const WindowId id = table.Start({"--cells", "AH,AD,,,,,"});
+TEST_F(X11Capture, AMinimisedTableIsShownAgainAndEachPassReadsWhatItShows) {
+    const WindowId id = table.Start({});
     ASSERT_NE(id, 0u);
     xcb_connection_t* other = xcb_connect(nullptr, nullptr);
     xcb_unmap_window(other, id);
     std::free(xcb_get_input_focus_reply(other, xcb_get_input_focus(other), nullptr));
     xcb_disconnect(other);
     ASSERT_EQ(windows->GetShowCommand(id), kShowMinimised);
-
-    capture->FindClient(board, 0);
+    capture.FindClient(board, 0);
     EXPECT_EQ(windows->GetShowCommand(id), kShowNormal);
-    QTest::qWait(300);  // the table repaints once it is back
-    EXPECT_EQ(Pass(), Cells("AH,AD,,,,,"));
+    const std::pair<const char*, const char*> deals[] = {
+        {",,,,,,", ",,,,,,"},
+        {"XX,KH,2S,3S,4S,,", ",KH,2S,3S,4S,,"},
+        {"TS,2H,7D,8D,9D,JC,AC", "TS,2H,7D,8D,9D,JC,AC"},
+    };
+    for (const auto& [deal, read] : deals) {
+        ASSERT_TRUE(table.Deal(deal));
+        EXPECT_EQ(Pass(), Cells(read)) << deal;
+    }
+    EXPECT_TRUE(board.stops.empty());
 }
 
 TEST_F(X11Capture, ATableThatClosesDuringThePassLeavesTheBoardEmpty) {
-    // The pass asks for the seat once for the search's probe, then before
-    // each crop: the table goes away after the search, before the first crop.
+    // The seat is asked for the search's probe, then before each crop.
     struct ClosingBoard : RecordingBoard {
         TableProcess* table = nullptr;
         int asked = 0;
@@ -154,19 +102,18 @@ TEST_F(X11Capture, ATableThatClosesDuringThePassLeavesTheBoardEmpty) {
             return previousSeat;
         }
     } closing;
-    closing.own = board.own;
     closing.table = &table;
     ASSERT_NE(table.Start({"--cells", "AS,KS,QH,JD,2C,,"}), 0u);
-    capture->ReadClientCards(closing);
+    capture.ReadClientCards(closing);
     EXPECT_EQ(closing.shown, std::vector<TextCells>{Cells(",,,,,,")});
     EXPECT_TRUE(closing.stops.empty());
 }
 
-TEST_F(X11Capture, TheShippedTemplatesAreFiftyTwoDistinctFilesThatFelthawkIconsMakes) {
+TEST(ShippedTemplates, AreFiftyTwoDistinctFilesThatFelthawkIconsMakes) {
     TempFolder made;
     QProcess icons;
     icons.start(FELTHAWK_ICONS_PROGRAM,
-                {"--from-table", "--out", QString::fromStdString(made.path().string()), "--table",
+                {"--from-table", "--out", QString::fromStdString(made.path()), "--table",
                  FELTHAWK_TABLE_PROGRAM});
     ASSERT_TRUE(icons.waitForFinished(60000)) << icons.errorString().toStdString();
     ASSERT_EQ(icons.exitCode(), 0) << icons.readAllStandardError().toStdString();
@@ -174,7 +121,7 @@ TEST_F(X11Capture, TheShippedTemplatesAreFiftyTwoDistinctFilesThatFelthawkIconsM
         std::ifstream file(path, std::ios::binary);
         return std::string{std::istreambuf_iterator<char>(file), {}};
     };
-    std::set<std::string> seen;  // as recognition sees them
+    std::set<std::string> seen;
     for (int i = 0; i < kTemplateCount; ++i) {
         const std::string name = TemplateFileName(TemplateCard(i));
         const fs::path shipped = fs::path(FELTHAWK_TEST_ICONS_DIR) / name;
@@ -184,8 +131,7 @@ TEST_F(X11Capture, TheShippedTemplatesAreFiftyTwoDistinctFilesThatFelthawkIconsM
     }
 }
 
-class RecordingDialogs : public IDialogs {
-  public:
+struct RecordingDialogs : IDialogs {
     QString InputBox(QWidget*, const QString&, const QString&, const QString&,
                      bool* accepted) override {
         if (accepted != nullptr) *accepted = false;
@@ -195,33 +141,22 @@ class RecordingDialogs : public IDialogs {
         messages.push_back(text.toStdString());
     }
     bool AskYesNo(QWidget*, const QString&, const QString&) override { return false; }
-
     std::vector<std::string> messages;
 };
 
-// The whole road: the real main window, its capture switch and one tick of
-// tmr_Read.
-class BoardCapture : public ::testing::Test {
-  protected:
-    BoardCapture()
-        : service(dialogs, {data.path(), {FELTHAWK_TEST_ICONS_DIR}}),
-          board(BoardServices{.capture = &service}, dialogs) {}
-    void SetUp() override {
-        board.FormLoad(false);
-        board.move(175, 600);
-        board.show();
-        QTest::qWait(100);
-    }
-
-    TempFolder data;
+// The real main window, its capture switch and one tick of tmr_Read; then a
+// pass with one template missing.
+TEST(BoardCapture, FillsTheBoardWithinOnePassThenAMissingTemplateStopsIt) {
+    TempFolder data, partial;
     RecordingDialogs dialogs;
-    CaptureService service;
-    frmFelthawk board;
-    TableProcess table;
-};
-
-TEST_F(BoardCapture, SwitchingCaptureOnFillsTheBoardWithinOnePassAndShowsTheNumbers) {
+    CaptureService service(dialogs, {data.path(), {FELTHAWK_TEST_ICONS_DIR}});
+    frmFelthawk board(BoardServices{.capture = &service}, dialogs);
+    board.FormLoad(false);
+    board.move(175, 600);
+    board.show();
+    QTest::qWait(100);
     const QString cells = "AS,KS,QH,JD,2C,,";
+    TableProcess table;
     const WindowId client = table.Start({"--cells", cells});
     ASSERT_NE(client, 0u);
     bool passed = false;
@@ -238,7 +173,6 @@ TEST_F(BoardCapture, SwitchingCaptureOnFillsTheBoardWithinOnePassAndShowsTheNumb
                   board.mCards[cell].empty() ? kBlankPicture.toStdString() : board.mCards[cell]);
     }
 
-    // The same numbers as felthawk-calc for the same cells and seats.
     QProcess calc;
     calc.start(FELTHAWK_CALC_PROGRAM, {"--cells", cells, "--seats", "MHHHHHHHHH"});
     calc.waitForFinished(30000);
@@ -253,7 +187,6 @@ TEST_F(BoardCapture, SwitchingCaptureOnFillsTheBoardWithinOnePassAndShowsTheNumb
     EXPECT_EQ(board.findChild<QLabel*>(QStringLiteral("lblSuggestion"))->text(),
               expected["suggestion"].toString());
 
-    // The compact strip stands right under the table, centred.
     std::string error;
     auto windows = XcbWindowSystem::Open(error);
     ASSERT_TRUE(windows) << error;
@@ -263,18 +196,13 @@ TEST_F(BoardCapture, SwitchingCaptureOnFillsTheBoardWithinOnePassAndShowsTheNumb
     EXPECT_EQ(tableRect.left,
               static_cast<int>(std::nearbyint(strip.left + strip.width / 2.0 - kTableWidth / 2.0)));
     EXPECT_LT(strip.height, 100);
-}
 
-TEST_F(BoardCapture, AnIncompleteTemplateFolderStopsCaptureWithOneMessage) {
-    TempFolder partial;
     for (const auto& entry : fs::directory_iterator(FELTHAWK_TEST_ICONS_DIR)) {
-        if (entry.path().filename() != "Q C.ico") {
+        if (entry.path().filename() != "Q C.ico") {  // a card that is not shown
             fs::copy_file(entry.path(), partial.path() / entry.path().filename());
         }
     }
     CaptureService strict(dialogs, {data.path(), {partial.path()}});
-    ASSERT_NE(table.Start({"--cells", "AS,KS,,,,,"}), 0u);  // a card that is not shown
-    board.mCaptureOn = true;
     strict.CapturePass(board);
     EXPECT_EQ(dialogs.messages, std::vector<std::string>{"Card template missing or unreadable: " +
                                                          (partial.path() / "Q C.ico").string()});
@@ -287,7 +215,19 @@ TEST_F(BoardCapture, AnIncompleteTemplateFolderStopsCaptureWithOneMessage) {
 }  // namespace felthawk
 
 int main(int argc, char** argv) {
+    using namespace felthawk;
     ::testing::InitGoogleTest(&argc, argv);
-    ::testing::AddGlobalTestEnvironment(new felthawk::X11Environment(argc, argv));
+    XvfbServer server;
+    std::string error;
+    if (!server.Start(error)) {
+        std::cerr << error << '\n';
+        return 1;
+    }
+    TempFolder home;  // settings and per-user files stay inside the test
+    ::setenv("DISPLAY", server.Display().c_str(), 1);
+    ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+    ::setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
+    ::setenv("XDG_DATA_HOME", home.path().c_str(), 1);
+    QApplication app(argc, argv);
     return RUN_ALL_TESTS();
 }

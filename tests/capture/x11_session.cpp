@@ -1,20 +1,15 @@
 #include "tests/capture/x11_session.h"
 
-#include "tools/table/table_process.h"
-
 #include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <string>
+#include "tools/table/table_process.h"
 
 namespace felthawk {
-namespace {
 
 constexpr int kStartTimeoutMs = 20000;
-
-}  // namespace
 
 XvfbServer::~XvfbServer() {
     if (pid_ > 0) {
@@ -25,11 +20,10 @@ XvfbServer::~XvfbServer() {
 
 bool XvfbServer::Start(std::string& error) {
     int fds[2];
-    if (::pipe(fds) != 0) {
-        error = "cannot make a pipe for Xvfb";
+    if (::pipe(fds) != 0 || (pid_ = ::fork()) < 0) {
+        error = "cannot start Xvfb";
         return false;
     }
-    pid_ = ::fork();
     if (pid_ == 0) {
         ::close(fds[0]);
         const std::string fd = std::to_string(fds[1]);
@@ -38,11 +32,6 @@ bool XvfbServer::Start(std::string& error) {
         ::_exit(127);
     }
     ::close(fds[1]);
-    if (pid_ < 0) {
-        ::close(fds[0]);
-        error = "cannot start Xvfb";
-        return false;
-    }
     std::string number;
     pollfd wait{fds[0], POLLIN, 0};
     char c = 0;
@@ -50,16 +39,9 @@ bool XvfbServer::Start(std::string& error) {
         number.push_back(c);
     }
     ::close(fds[0]);
-    if (number.empty()) {
-        error = "Xvfb did not start (is the xvfb package installed?)";
-        return false;
-    }
+    if (number.empty()) error = "Xvfb did not start (is the xvfb package installed?)";
     display_ = ":" + number;
-    return true;
-}
-
-TableProcess::~TableProcess() {
-    Kill();
+    return !number.empty();
 }
 
 WindowId TableProcess::Start(const QStringList& arguments) {

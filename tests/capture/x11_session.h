@@ -1,5 +1,4 @@
-// Real X11 parts for tests and benchmarks: an Xvfb server of our own on a
-// free display, and felthawk-table running against it.
+// An Xvfb of our own on a free display, and felthawk-table running on it.
 #pragma once
 
 #include <sys/types.h>
@@ -10,8 +9,6 @@
 
 namespace felthawk {
 
-// Starts Xvfb on the first free display (Xvfb picks it and tells us) and
-// stops it at the end.
 class XvfbServer {
   public:
     XvfbServer() = default;
@@ -21,7 +18,6 @@ class XvfbServer {
 
     // A 1024 by 768 screen at 24 bits; false with a message on failure.
     bool Start(std::string& error);
-    // ":N", once started.
     const std::string& Display() const { return display_; }
 
   private:
@@ -29,17 +25,11 @@ class XvfbServer {
     std::string display_;
 };
 
-// felthawk-table under --commands: it deals anew on request and says when
-// the table is on the screen.
 class TableProcess {
   public:
-    TableProcess() = default;
-    ~TableProcess();
-    TableProcess(const TableProcess&) = delete;
-    TableProcess& operator=(const TableProcess&) = delete;
+    ~TableProcess() { Kill(); }
 
-    // Starts the table of this build with extra arguments and
-    // waits until it shows; its window id, or 0.
+    // The table's window id once it shows, or 0.
     WindowId Start(const QStringList& arguments);
     // Deals new cells and waits until they show; false if refused.
     bool Deal(const std::string& cells);

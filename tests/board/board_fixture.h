@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 #include <QAction>
+#include <QLabel>
 #include <QSettings>
 #include <QString>
 
@@ -41,7 +42,6 @@ class ScriptedDialogs : public IDialogs {
     }
 };
 
-// Writes the two preferences the window reads at start.
 inline void StoreSettings(const QString& transparency, const QString& mouse) {
     QSettings store(QStringLiteral("FELTHAWK"), QStringLiteral("FELTHAWK"));
     store.beginGroup(QStringLiteral("SETTINGS"));
@@ -49,7 +49,6 @@ inline void StoreSettings(const QString& transparency, const QString& mouse) {
     store.setValue(QStringLiteral("MOUSE"), mouse);
 }
 
-// A menu item of the window by its name.
 inline QAction* Action(const frmFelthawk& form, const char* name) {
     QAction* action = form.findChild<QAction*>(QString::fromLatin1(name));
     EXPECT_NE(action, nullptr) << name;
@@ -62,24 +61,27 @@ class BoardTest : public ::testing::Test {
         QSettings(QStringLiteral("FELTHAWK"), QStringLiteral("FELTHAWK")).clear();
     }
 
-    // Builds and starts the window; settings written before this count.
     frmFelthawk& Start() {
         form = std::make_unique<frmFelthawk>(services, dialogs);
         form->FormLoad(false);
         return *form;
     }
 
-    // A click without movement of the given button on a deck image.
     void Click(int row, int rank, int button) {
         form->DeckMouseDown(row, rank, button, 30, 45);
         form->DeckMouseUp(row, rank, button, 30, 45);
     }
-    // Types keys one by one: letters and digits as themselves.
     void Type(const std::string& keys) {
         for (char key : keys) form->KeyDown(key);
     }
 
-    QString Text(const char* name, int index = -1) const;
+    QString Text(const char* name, int index = -1) const {
+        for (QLabel* label : form->findChildren<QLabel*>(QString::fromLatin1(name))) {
+            if (index < 0 || label->property("index").toInt() == index) return label->text();
+        }
+        ADD_FAILURE() << "no label " << name << "(" << index << ")";
+        return QString();
+    }
     std::vector<std::string> Cells() const {
         return std::vector<std::string>(form->mCards.begin(), form->mCards.end());
     }

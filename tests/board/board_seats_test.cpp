@@ -24,10 +24,6 @@ int ImageOfSeat(const frmFelthawk& form, int seat) {
     return 0;
 }
 
-QMenu* SeatMenu(const frmFelthawk& form) {
-    return form.findChild<QMenu*>(QStringLiteral("mnuMain"));
-}
-
 TEST_F(BoardTest, NextHandMovesTheButtonAndBringsFoldedSeatsBack) {
     Start();
     EXPECT_EQ(Seats(*form), "MHHHHHHHHH");
@@ -59,11 +55,10 @@ TEST_F(BoardTest, ClickingASeatCyclesItAndRecalculates) {
         EXPECT_EQ(Text("l_Me"), preFlop) << "seats do not change the pre-flop figure";
     }
 
-    // On the flop the folded and empty seats count.
-    Type("QSJS2D");
+    Type("QSJS2D");  // on the flop the folded seats count
     const QString allIn = Text("l_Me");
     for (int seat = 1; seat < kSeatCount; ++seat) {
-        form->SeatMouseDown(ImageOfSeat(*form, seat), kLeftButton);  // fold all
+        form->SeatMouseDown(ImageOfSeat(*form, seat), kLeftButton);
     }
     EXPECT_EQ(Seats(*form), "MFFFFFFFFF");
     CalcState alone;
@@ -74,8 +69,8 @@ TEST_F(BoardTest, ClickingASeatCyclesItAndRecalculates) {
 
 TEST_F(BoardTest, TheSeatMenusAreTickedForTheSeatAndActOnIt) {
     Start();
-    const int k = ImageOfSeat(*form, 2);  // the dealer's seat
-    form->SeatMouseDown(k, kRightButton);
+    QMenu* menu = form->findChild<QMenu*>(QStringLiteral("mnuMain"));
+    form->SeatMouseDown(ImageOfSeat(*form, 2), kRightButton);  // the dealer's seat
     EXPECT_TRUE(Action(*form, "mnuIn")->isChecked());
     EXPECT_TRUE(Action(*form, "mnuDealer")->isChecked());
     for (const char* name : {"mnuFold", "mnuEmpty", "mnuMe"}) {
@@ -83,38 +78,34 @@ TEST_F(BoardTest, TheSeatMenusAreTickedForTheSeatAndActOnIt) {
     }
     Action(*form, "mnuEmpty")->trigger();
     EXPECT_EQ(Seats(*form), "MHEHHHHHHH");
-
     form->SeatMouseDown(ImageOfSeat(*form, 2), kRightButton);
     EXPECT_TRUE(Action(*form, "mnuEmpty")->isChecked());
     EXPECT_FALSE(Action(*form, "mnuIn")->isChecked());
     Action(*form, "mnuFold")->trigger();
     EXPECT_EQ(Seats(*form), "MHFHHHHHHH");
 
-    // A seat that is not the dealer's has no tick on "Dealer"; choosing it
-    // moves the button there.
     form->SeatMouseDown(ImageOfSeat(*form, 7), kRightButton);
     EXPECT_FALSE(Action(*form, "mnuDealer")->isChecked());
     Action(*form, "mnuDealer")->trigger();
     EXPECT_EQ(form->State().gDealerSeat, 7);
-    SeatMenu(*form)->close();
+    menu->close();
 
-    // The user's marker: the left button opens nothing; the right one offers
-    // only "Dealer", which then re-enables everything for a seat.
+    // The user's marker: the right button offers only "Dealer"; a seat's menu
+    // has everything again.
     form->MeMouseDown(kLeftButton);
-    EXPECT_FALSE(SeatMenu(*form)->isVisible());
+    EXPECT_FALSE(menu->isVisible());
     form->MeMouseDown(kRightButton);
     for (const char* name : {"mnuIn", "mnuFold", "mnuEmpty", "mnuMe"}) {
         EXPECT_FALSE(Action(*form, name)->isEnabled()) << name;
     }
     Action(*form, "mnuDealer")->trigger();
     EXPECT_EQ(form->State().gDealerSeat, 0);
-    SeatMenu(*form)->close();
+    menu->close();
     form->SeatMouseDown(ImageOfSeat(*form, 5), kRightButton);
     EXPECT_TRUE(Action(*form, "mnuFold")->isEnabled());
-    SeatMenu(*form)->close();
+    menu->close();
 
-    // A click on a dealer place moves the button there; only it shows.
-    form->DealerClick(6);
+    form->DealerClick(6);  // only the chosen dealer place shows
     EXPECT_EQ(form->State().gDealerSeat, 6);
     std::vector<int> shown;
     for (PictureBox* place : form->findChildren<PictureBox*>(QStringLiteral("dl"))) {
@@ -124,7 +115,7 @@ TEST_F(BoardTest, TheSeatMenusAreTickedForTheSeatAndActOnIt) {
 }
 
 TEST_F(BoardTest, MeMovesTheHoleCardsAndThePreviousSeat) {
-    for (const auto& [seat, previous] : std::vector<std::pair<int, int>>{{3, 2}, {9, 8}, {1, 0}}) {
+    for (const auto& [seat, previous] : std::vector<std::pair<int, int>>{{3, 2}, {1, 0}}) {
         Start();
         Type("AHKH");
         form->SeatMouseDown(ImageOfSeat(*form, seat), kRightButton);
@@ -136,10 +127,9 @@ TEST_F(BoardTest, MeMovesTheHoleCardsAndThePreviousSeat) {
         const SeatPlace& place = kSeatPlaces[seat];
         EXPECT_EQ(form->CellImage(1)->pos(), QPoint(Px(place.anchorX), Px(place.anchorY)));
         EXPECT_EQ(form->CellImage(1)->GetPicture().name, "AH") << "the cards move with the seat";
-        SeatMenu(*form)->close();
+        form->findChild<QMenu*>(QStringLiteral("mnuMain"))->close();
     }
-    // Back to seat 0: the previous seat is 9 again.
-    form->SeatMouseDown(ImageOfSeat(*form, 0), kRightButton);
+    form->SeatMouseDown(ImageOfSeat(*form, 0), kRightButton);  // back to seat 0
     Action(*form, "mnuMe")->trigger();
     EXPECT_EQ(form->mPreviousSeat, 9);
 }

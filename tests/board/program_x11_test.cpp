@@ -1,8 +1,6 @@
-// The real felthawk program on a real X server: it starts, shows its window,
-// takes cards typed, dragged and clicked, turns see-through on F3 and closes
-// on SIGTERM. The test starts its own Xvfb and leaves screenshots of the hand
-// on the flop and on the river beside itself (felthawk-flop.png,
-// felthawk-window.png in the test's working folder).
+// The real felthawk program on an Xvfb of the test's own: it starts, shows
+// its window, takes a typed flop (screenshot left as felthawk-window.png),
+// turns see-through on F3 and ends on SIGTERM.
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
@@ -26,7 +24,6 @@ namespace {
 using namespace std::chrono_literals;
 using felthawk::Px;
 
-// An Xvfb of our own on a display number it picks itself and writes out.
 struct VirtualScreen {
     QProcess xvfb;
     std::string name;
@@ -73,17 +70,7 @@ std::optional<xcb_window_t> FindWindow(xcb_connection_t* x, xcb_window_t root,
     return found;
 }
 
-// One event of the X test extension: a key or button (detail) press or
-// release, or a pointer motion to `at` on the root.
-void Fake(xcb_connection_t* x, uint8_t type, uint8_t detail, xcb_window_t root = XCB_NONE,
-          QPoint at = {}) {
-    xcb_test_fake_input(x, type, detail, XCB_CURRENT_TIME, root, static_cast<int16_t>(at.x()),
-                        static_cast<int16_t>(at.y()), 0);
-    xcb_flush(x);
-    std::this_thread::sleep_for(60ms);
-}
-
-// Presses and releases the key of a keysym.
+// Presses and releases the key of a keysym through the X test extension.
 void TypeKey(xcb_connection_t* x, xcb_keysym_t keysym) {
     const xcb_setup_t* setup = xcb_get_setup(x);
     const int count = setup->max_keycode - setup->min_keycode + 1;
@@ -99,17 +86,14 @@ void TypeKey(xcb_connection_t* x, xcb_keysym_t keysym) {
     }
     free(map);
     ASSERT_NE(code, 0) << "no key for keysym " << keysym;
-    Fake(x, XCB_KEY_PRESS, code);
-    Fake(x, XCB_KEY_RELEASE, code);
+    for (uint8_t type : {XCB_KEY_PRESS, XCB_KEY_RELEASE}) {
+        xcb_test_fake_input(x, type, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        xcb_flush(x);
+        std::this_thread::sleep_for(60ms);
+    }
 }
 
-// The centre of a card picture at a place of the design, in board pixels.
-QPoint CardCentre(int leftTwips, int topTwips) {
-    return QPoint(Px(leftTwips) + 9, Px(topTwips) + 15);
-}
-
-// Whether the card picture at a place of the board shows a face: near white
-// beside the suit sign, where an empty cell is dark felt.
+// A card's face is near white beside the suit sign; an empty cell is felt.
 bool FaceAt(const QImage& shot, int menuBar, int leftTwips, int topTwips) {
     return shot.pixelColor(Px(leftTwips) + 2, menuBar + Px(topTwips) + 16).lightness() > 200;
 }
@@ -166,7 +150,7 @@ TEST(Program, ShowsTheBoardTakesAHandAndTurnsSeeThroughOnF3) {
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
     env.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data")));
-    // Nothing answers here: the version check and the banners fail at once.
+    // Nothing answers: the version check and the banners fail at once.
     env.insert(QStringLiteral("FELTHAWK_SERVER"), QStringLiteral("http://127.0.0.1:9/"));
     program.setProcessEnvironment(env);
     program.setProcessChannelMode(QProcess::ForwardedChannels);
@@ -182,8 +166,6 @@ TEST(Program, ShowsTheBoardTakesAHandAndTurnsSeeThroughOnF3) {
         << "the board never showed";
     std::this_thread::sleep_for(500ms);
 
-    // A flop typed on the keyboard: the ace and king of spades in the hole,
-    // queen and jack of spades and the two of diamonds on the table.
     xcb_set_input_focus(x, XCB_INPUT_FOCUS_POINTER_ROOT, *window, XCB_CURRENT_TIME);
     xcb_flush(x);
     std::this_thread::sleep_for(300ms);
@@ -195,38 +177,10 @@ TEST(Program, ShowsTheBoardTakesAHandAndTurnsSeeThroughOnF3) {
     EXPECT_EQ(shot.width(), 674);
     ASSERT_GE(shot.height(), 533);
     const int menuBar = shot.height() - 533;
-    EXPECT_TRUE(shot.save(QStringLiteral("felthawk-flop.png")));
-    // The user's cards stand at seat 0, the flop from the third cell on.
+    EXPECT_TRUE(shot.save(QStringLiteral("felthawk-window.png")));
     EXPECT_TRUE(FaceAt(shot, menuBar, 3930, 4830)) << "the typed ace is not on the table";
     EXPECT_TRUE(FaceAt(shot, menuBar, 4215, 5940)) << "the typed flop is not on the table";
     EXPECT_FALSE(FaceAt(shot, menuBar, 5181, 5940)) << "the turn is still empty";
-
-    // The turn by the mouse: a left drag of the nine of hearts onto the
-    // turn's cell. The river: a right click on the three of clubs.
-    auto* corner = xcb_translate_coordinates_reply(
-        x, xcb_translate_coordinates(x, *window, root, 0, 0), nullptr);
-    ASSERT_NE(corner, nullptr);
-    const QPoint board(corner->dst_x, corner->dst_y + menuBar);
-    free(corner);
-    const QPoint from = board + CardCentre(5370 + 7 * 345, 2520);
-    const QPoint to = board + CardCentre(5181, 5940);
-    Fake(x, XCB_MOTION_NOTIFY, 0, root, from);
-    Fake(x, XCB_BUTTON_PRESS, 1);
-    for (int step = 1; step <= 10; ++step)
-        Fake(x, XCB_MOTION_NOTIFY, 0, root, from + (to - from) * step / 10);
-    Fake(x, XCB_BUTTON_RELEASE, 1);
-    Fake(x, XCB_MOTION_NOTIFY, 0, root, board + CardCentre(5370 + 345, 3120));
-    Fake(x, XCB_BUTTON_PRESS, 3);
-    Fake(x, XCB_BUTTON_RELEASE, 3);
-    Fake(x, XCB_MOTION_NOTIFY, 0, root, board + QPoint(660, 520));
-    std::this_thread::sleep_for(500ms);
-
-    shot = Screenshot(x, *window);
-    EXPECT_TRUE(shot.save(QStringLiteral("felthawk-window.png")));
-    EXPECT_TRUE(FaceAt(shot, menuBar, 5181, 5940)) << "the dragged nine is not on the turn";
-    EXPECT_TRUE(FaceAt(shot, menuBar, 5505, 5940)) << "the clicked three is not on the river";
-    EXPECT_FALSE(FaceAt(shot, menuBar, 5370 + 7 * 345, 2520))
-        << "the nine's deck slot is not blank";
 
     EXPECT_FALSE(Opacity(x, *window).has_value()) << "opaque at start";
     TypeKey(x, 0xffc0);  // F3, at the default setting of 80
@@ -234,7 +188,6 @@ TEST(Program, ShowsTheBoardTakesAHandAndTurnsSeeThroughOnF3) {
     EXPECT_TRUE(WaitFor([&] { return (opacity = Opacity(x, *window)).has_value(); }, 5000ms));
     EXPECT_NEAR(opacity.value_or(0), 204 / 255.0, 0.001);
 
-    // SIGTERM closes the window the way Exit does, and the program ends.
     program.terminate();
     EXPECT_TRUE(program.waitForFinished(10000));
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);

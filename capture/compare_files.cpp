@@ -5,6 +5,11 @@
 
 namespace felthawk {
 
+std::string JoinLines(std::string text) {
+    std::erase_if(text, [](char c) { return c == '\r' || c == '\n'; });
+    return text;
+}
+
 std::optional<std::string> ReadJoinedLines(const std::filesystem::path& path) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
@@ -12,8 +17,7 @@ std::optional<std::string> ReadJoinedLines(const std::filesystem::path& path) {
     if (!file) return std::nullopt;
     std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     if (file.bad()) return std::nullopt;
-    std::erase_if(text, [](char c) { return c == '\r' || c == '\n'; });
-    return text;
+    return JoinLines(std::move(text));
 }
 
 FileComparison compare_files(const std::filesystem::path& path1,

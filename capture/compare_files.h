@@ -9,6 +9,8 @@
 
 namespace felthawk {
 
+// The text with every line end (CR, LF or CR LF) removed.
+std::string JoinLines(std::string text);
 // The text of a file with every line end (CR, LF or CR LF) removed; nothing
 // when the file cannot be read.
 std::optional<std::string> ReadJoinedLines(const std::filesystem::path& path);

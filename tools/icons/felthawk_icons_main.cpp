@@ -1,61 +1,87 @@
-// felthawk-icons: makes the card templates that capture recognises.
+// felthawk-icons: table layouts and the card templates that capture
+// recognises.
 //
-//   felthawk-icons --slot flop1 --card AS [--me-seat 0] [--out DIR]
-//       Reads one slot of the "Hold'em" window on the screen and keeps it as
-//       the template of the named card. This is how templates are made for a
-//       real client: deal, then save each card you can see.
+//   felthawk-icons --calibrate
+//       The calibration window: pick the client, frame the seven card
+//       places on a picture of it, name the cards it shows, save.
+//   felthawk-icons --layout NAME --places "hole1=x,y,w,h;...;river=x,y,w,h"
+//                  [--title PATTERN] [--at-my-seat] [--me-seat N] [--cards CELLS]
+//       The same without a window: makes (or remakes) the layout NAME from
+//       the client's content as it shows now, and with --cards keeps the
+//       templates of the cards named, e.g. "AS,KD,2C,,,," for the hole cards
+//       and the first flop card.
+//   felthawk-icons [--layout NAME] --cards CELLS [--me-seat N] [--out DIR]
+//       Keeps the templates of the cards the client shows now, read through
+//       the layout (by default the built-in one, whose templates go to DIR
+//       or the per-user template folder). Deal after deal until none is
+//       missing; each run says which still are.
 //   felthawk-icons --from-table --out DIR [--table PATH]
-//       Runs felthawk-table, deals all 52 cards seven at a time and saves
+//       Runs felthawk-table, deals all 52 cards seven at a time and keeps
 //       every template: the set that ships with the program.
-//
-// Templates go to DIR, by default the per-user template folder, which
-// capture searches first.
+#include <QApplication>
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QProcess>
-#include <QTemporaryDir>
+#include <QThread>
 #include <iostream>
 
+#include "capture/calibration.h"
 #include "capture/client_capture.h"
 #include "capture/client_layout.h"
 #include "capture/xcb_window_system.h"
+#include "tools/icons/calibration_window.h"
 #include "tools/table/table_process.h"
 
 namespace felthawk {
 namespace {
 
 constexpr int kTableStartMs = 20000;
-
-// The tool has no board: the client is found and raised but docks nowhere.
-class NoBoard : public ICaptureBoard {
-  public:
-    explicit NoBoard(int previousSeat) : previousSeat_(previousSeat) {}
-    WindowId OwnWindow() override { return 0; }
-    void EnterCompactView() override {}
-    void ClearCards() override {}
-    int PreviousSeat() override { return previousSeat_; }
-    void ShowCapturedCards(const TextCells&) override {}
-    void StopCapture(const std::string&) override {}
-
-  private:
-    int previousSeat_;
-};
+// After raising the client, give it a moment to show before reading it.
+constexpr int kRaiseWaitMs = 10;
 
 int Fail(const std::string& message) {
     std::cerr << "felthawk-icons: " << message << '\n';
     return 2;
 }
 
-// Finds the client, cuts `cell` out of it and keeps it as `card`'s template.
-bool SaveTemplate(ClientCapture& capture, NoBoard& board, int cell, const std::string& card,
-                  const std::filesystem::path& folder, std::string& error) {
-    const IconWriteResult written = SavePictureBox(capture.CaptureCell(cell, board.PreviousSeat()),
-                                                   folder / TemplateFileName(card));
-    if (!written.written) error = written.error;
-    return written.written;
+std::string Join(const std::vector<std::string>& cards) {
+    std::string text;
+    for (const std::string& card : cards) text += (text.empty() ? "" : " ") + card;
+    return text;
+}
+
+// Raises the first window whose title the layout names and takes a picture
+// of it; a null image, with a message, when there is none.
+QImage ClientPicture(XcbWindowSystem& windows, const TableLayout& layout, std::string& error) {
+    for (const auto& [window, title] : TitledWindows(windows)) {
+        if (!TitleMatches(layout, title)) continue;
+        windows.BringWindowToTop(window);
+        windows.Sync();
+        QThread::msleep(kRaiseWaitMs);
+        QImage picture = windows.CaptureWindow(window);
+        if (picture.isNull()) error = "the window \"" + title + "\" went away";
+        return picture;
+    }
+    error = "no window whose title matches \"" + layout.titlePattern + "\"";
+    return {};
+}
+
+// Keeps the templates of `cells` and says what is still missing.
+int SaveCards(const QImage& picture, const TableLayout& layout, int previousSeat,
+              const TextCells& cells, const std::filesystem::path& folder) {
+    std::string error;
+    const std::optional<std::vector<std::string>> written =
+        SaveTemplates(picture, layout, previousSeat, cells, folder, error);
+    if (!written) return Fail(error);
+    if (!written->empty()) std::cout << "templates written: " << Join(*written) << '\n';
+    const std::vector<std::string> missing = MissingTemplates(folder);
+    if (missing.empty()) {
+        std::cout << "all 52 templates are in " << folder.string() << '\n';
+    } else {
+        std::cout << "still missing " << missing.size() << ": " << Join(missing) << '\n';
+    }
+    return 0;
 }
 
 QString DefaultTablePath() {
@@ -63,32 +89,35 @@ QString DefaultTablePath() {
     return QFileInfo::exists(beside) ? beside : QString("felthawk-table");
 }
 
-int MakeSetFromTable(ClientCapture& capture, const QString& tablePath,
+int MakeSetFromTable(XcbWindowSystem& windows, const QString& tablePath,
                      const std::filesystem::path& folder) {
     constexpr int kMeSeat = 0;
-    NoBoard board(PreviousSeat(kMeSeat));
     QProcess table;
     table.start(tablePath, {"--commands", "--me-seat", QString::number(kMeSeat)});
     if (!table.waitForStarted()) return Fail("cannot start " + tablePath.toStdString());
-    if (WaitForTableReady(table, kTableStartMs) == 0) return Fail("felthawk-table did not come up");
-
-    std::string error;
-    for (int first = 0; first < kTemplateCount; first += kSlotCount) {
-        TextCells cells;
-        for (int cell = 0; cell < kSlotCount && first + cell < kTemplateCount; ++cell) {
-            cells[cell] = TemplateCard(first + cell);
-        }
-        std::string line = "cells ";
-        for (int cell = 0; cell < kSlotCount; ++cell) line += (cell ? "," : "") + cells[cell];
-        table.write((line + "\n").c_str());
-        const WindowId shown = WaitForTableReady(table, kTableStartMs);
-        if (shown == 0) return Fail("felthawk-table refused " + line);
-        capture.FindClient(board, 0);
-        if (capture.ClientWindow() != shown) {
+    const WindowId shown = WaitForTableReady(table, kTableStartMs);
+    if (shown == 0) return Fail("felthawk-table did not come up");
+    for (const auto& [window, title] : TitledWindows(windows)) {
+        if (window != shown && TitleMatches(DefaultLayout(), title)) {
             return Fail("another window with \"Hold'em\" in its title is open; close it first");
         }
-        for (int cell = 0; cell < kSlotCount && !cells[cell].empty(); ++cell) {
-            if (!SaveTemplate(capture, board, cell, cells[cell], folder, error)) return Fail(error);
+    }
+    for (int first = 0; first < kTemplateCount; first += kSlotCount) {
+        TextCells cells;
+        std::string line = "cells ";
+        for (int cell = 0; cell < kSlotCount; ++cell) {
+            if (first + cell < kTemplateCount) cells[cell] = TemplateCard(first + cell);
+            line += (cell ? "," : "") + cells[cell];
+        }
+        table.write((line + "\n").c_str());
+        if (WaitForTableReady(table, kTableStartMs) == 0) {
+            return Fail("felthawk-table refused " + line);
+        }
+        std::string error;
+        const QImage picture = ClientPicture(windows, DefaultLayout(), error);
+        if (picture.isNull()) return Fail(error);
+        if (!SaveTemplates(picture, DefaultLayout(), PreviousSeat(kMeSeat), cells, folder, error)) {
+            return Fail(error);
         }
     }
     table.write("quit\n");
@@ -97,66 +126,104 @@ int MakeSetFromTable(ClientCapture& capture, const QString& tablePath,
     return 0;
 }
 
+// Makes the layout `name` from the places framed on `picture` and saves
+// it, keeping what an earlier save of it holds for other seats.
+std::optional<TableLayout> RemakeLayout(const std::string& name, const std::string& title,
+                                        const QImage& picture,
+                                        const std::array<CropRect, kSlotCount>& places,
+                                        int seatPoint, std::string& error) {
+    const TableLayout layout = KeepSavedPlaces(
+        MakeLayout(name, title, picture.width(), picture.height(), places, seatPoint),
+        LayoutsFolder());
+    std::error_code created;
+    std::filesystem::create_directories(LayoutTemplateFolder(layout, LayoutsFolder()), created);
+    if (!SaveLayout(layout, LayoutsFolder(), error)) return std::nullopt;
+    std::cout << "layout saved: " << LayoutFile(LayoutsFolder(), name).string() << '\n';
+    return layout;
+}
+
 }  // namespace
 }  // namespace felthawk
 
 int main(int argc, char** argv) {
     using namespace felthawk;
-    QGuiApplication app(argc, argv);
+    QApplication app(argc, argv);
     // The same per-user folder as the program's own.
     QCoreApplication::setOrganizationName("FELTHAWK");
     QCoreApplication::setApplicationName("FELTHAWK");
 
     QCommandLineParser parser;
-    parser.setApplicationDescription("Makes the card templates that capture recognises.");
+    parser.setApplicationDescription("Table layouts and the card templates capture recognises.");
     parser.addHelpOption();
-    const QCommandLineOption slotOption(
-        "slot", "The slot to read: hole1, hole2, flop1, flop2, flop3, turn, river.", "slot");
-    const QCommandLineOption cardOption("card", "The card the slot shows, such as AS or TD.",
-                                        "card");
-    const QCommandLineOption seatOption("me-seat", "Your seat on the board, 0..9.", "seat", "0");
-    const QCommandLineOption outOption("out", "The folder for the templates.", "folder");
-    const QCommandLineOption fromTableOption("from-table",
-                                             "Make all 52 templates from felthawk-table.");
-    const QCommandLineOption tableOption("table", "The felthawk-table program.", "path");
-    parser.addOptions(
-        {slotOption, cardOption, seatOption, outOption, fromTableOption, tableOption});
+    parser.addOptions({
+        {"calibrate", "Open the calibration window."},
+        {"layout", "The layout to make or read through.", "name", "default"},
+        {"places", "hole1=x,y,w,h;hole2=...;flop1;flop2;flop3;turn;river of the layout.", "places"},
+        {"title", "The title pattern of the client (* and ?, case ignored).", "pattern"},
+        {"at-my-seat", "The hole places hold at my seat only, not at every seat."},
+        {"cards", "Seven comma-separated cells the client shows: hole, hole, flop x3, turn, river.",
+         "cells"},
+        {"me-seat", "Your seat on the board, 0..9.", "seat", "0"},
+        {"out", "The template folder of the built-in layout.", "folder"},
+        {"from-table", "Make all 52 templates from felthawk-table."},
+        {"table", "The felthawk-table program.", "path"},
+    });
     parser.process(app);
-
-    const CaptureFolders defaults = DefaultCaptureFolders();
-    const std::filesystem::path folder =
-        parser.isSet(outOption) ? std::filesystem::path(parser.value(outOption).toStdString())
-                                : defaults.dataFolder / "Icons";
-    std::error_code created;
-    std::filesystem::create_directories(folder, created);
-    if (created) return Fail("cannot create " + folder.string());
 
     std::string error;
     std::unique_ptr<XcbWindowSystem> windows = XcbWindowSystem::Open(error);
     if (!windows) return Fail(error);
-    // The probe icon of each search is of no use here.
-    QTemporaryDir scratch;
-    ClientCapture capture(*windows, {scratch.path().toStdString(), {}});
-
-    if (parser.isSet(fromTableOption)) {
-        const QString tablePath =
-            parser.isSet(tableOption) ? parser.value(tableOption) : DefaultTablePath();
-        return MakeSetFromTable(capture, tablePath, folder);
+    if (parser.isSet("calibrate")) {
+        CalibrationWindow window(*windows, LayoutsFolder());
+        window.show();
+        return app.exec();
     }
 
-    const int cell = CellFromSlotName(parser.value(slotOption).toStdString());
-    if (cell < 0)
-        return Fail("--slot must be one of hole1, hole2, flop1, flop2, flop3, turn, river");
-    const std::string card = parser.value(cardOption).toUpper().toStdString();
-    if (!IsCardText(card)) return Fail("--card must be a card such as AS or TD");
-    bool seatOk = false;
-    const int meSeat = parser.value(seatOption).toInt(&seatOk);
-    if (!seatOk || meSeat < 0 || meSeat >= kSeatCount) return Fail("--me-seat must be 0..9");
+    const CaptureFolders defaults = DefaultCaptureFolders();
+    const std::filesystem::path out = parser.isSet("out")
+                                          ? std::filesystem::path(parser.value("out").toStdString())
+                                          : defaults.dataFolder / "Icons";
+    if (parser.isSet("from-table")) {
+        const QString tablePath =
+            parser.isSet("table") ? parser.value("table") : DefaultTablePath();
+        return MakeSetFromTable(*windows, tablePath, out);
+    }
 
-    NoBoard board(PreviousSeat(meSeat));
-    capture.FindClient(board, 0);
-    if (!capture.ClientFound()) return Fail("no window with \"Hold'em\" in its title");
-    if (!SaveTemplate(capture, board, cell, card, folder, error)) return Fail(error);
-    std::cout << (folder / TemplateFileName(card)).string() << '\n';
-    return 0;
+    bool seatOk = false;
+    const int meSeat = parser.value("me-seat").toInt(&seatOk);
+    if (!seatOk || meSeat < 0 || meSeat >= kSeatCount) return Fail("--me-seat must be 0..9");
+    TextCells cells;
+    if (parser.isSet("cards")) {
+        const QStringList given = parser.value("cards").split(',');
+        if (given.size() != kSlotCount) return Fail("--cards needs seven comma-separated cells");
+        for (int cell = 0; cell < kSlotCount; ++cell) {
+            cells[cell] = given[cell].trimmed().toUpper().toStdString();
+        }
+    } else if (!parser.isSet("places")) {
+        return Fail("say what to do: --calibrate, --places, --cards or --from-table");
+    }
+
+    const std::string name = parser.value("layout").toStdString();
+    std::optional<std::array<CropRect, kSlotCount>> places;
+    if (parser.isSet("places")) {
+        places = ParsePlaces(parser.value("places").toStdString(), error);
+        if (!places) return Fail("--places: " + error);
+        if (name == kDefaultLayoutName) {
+            return Fail("the built-in layout \"default\" stays as it is; name the new one");
+        }
+    }
+    std::optional<TableLayout> layout = FindLayout(name, LayoutsFolder(), error);
+    if (!layout && !places) return Fail(error);
+    TableLayout search = layout.value_or(DefaultLayout());
+    if (parser.isSet("title")) search.titlePattern = parser.value("title").toStdString();
+    const QImage picture = ClientPicture(*windows, search, error);
+    if (picture.isNull()) return Fail(error);
+    if (places) {
+        layout = RemakeLayout(name, search.titlePattern, picture, *places,
+                              parser.isSet("at-my-seat") ? PreviousSeat(meSeat) : -1, error);
+        if (!layout) return Fail(error);
+    }
+    const std::filesystem::path templates =
+        name == kDefaultLayoutName ? out : LayoutTemplateFolder(*layout, LayoutsFolder());
+    return SaveCards(picture, *layout, PreviousSeat(meSeat), cells, templates);
 }

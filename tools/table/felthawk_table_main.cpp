@@ -2,7 +2,11 @@
 // demonstrations of capture. Its title holds "Hold'em", and it draws the
 // cards it is given where capture reads them.
 //
-//   felthawk-table --cells "AS,KS,QH,JD,2C,," --me-seat 0
+//   felthawk-table --cells "AS,KS,QH,JD,2C,," --me-seat 0 [--layout six-seat]
+//
+// --layout chooses the table: "default", the points capture always knew;
+// "wide", a larger window with every card elsewhere; "six-seat", six seats
+// and other card pictures.
 //
 // Once the table is on the screen it prints "ready <window id>" on a line
 // of its own. With --commands it reads further lines from standard input:
@@ -27,13 +31,14 @@ namespace {
 
 class TableWindow : public QWidget {
   public:
-    TableWindow(const TextCells& cells, int meSeat) : meSeat_(meSeat) {
-        setFixedSize(kTableWidth, kTableHeight);
+    TableWindow(const TextCells& cells, int meSeat, const TableDesign& design)
+        : meSeat_(meSeat), design_(design) {
+        setFixedSize(design.width, design.height);
         Deal(cells);
     }
 
     void Deal(const TextCells& cells) {
-        picture_ = DrawTable(cells, meSeat_);
+        picture_ = DrawTable(cells, meSeat_, design_);
         readyPending_ = true;
         update();
     }
@@ -60,6 +65,7 @@ class TableWindow : public QWidget {
     }
 
     int meSeat_;
+    const TableDesign& design_;
     QImage picture_;
     bool readyPending_ = false;
 };
@@ -89,7 +95,10 @@ int main(int argc, char** argv) {
                                          "Felthawk Test Table - Texas Hold'em");
     const QCommandLineOption atOption("at", "Where the window opens, as X,Y.", "x,y", "0,0");
     const QCommandLineOption commandsOption("commands", "Read further deals from standard input.");
-    parser.addOptions({cellsOption, seatOption, titleOption, atOption, commandsOption});
+    const QCommandLineOption layoutOption("layout", "The table: default, wide or six-seat.", "name",
+                                          "default");
+    parser.addOptions(
+        {cellsOption, seatOption, titleOption, atOption, commandsOption, layoutOption});
     parser.process(app);
 
     std::string error;
@@ -105,8 +114,16 @@ int main(int argc, char** argv) {
     const int x = at.value(0).toInt(&xOk);
     const int y = at.value(1).toInt(&yOk);
     if (at.size() != 2 || !xOk || !yOk) return Fail("--at must be X,Y");
+    const TableDesign* design = FindTableDesign(parser.value(layoutOption).toStdString());
+    if (design == nullptr) {
+        std::string names;
+        for (std::string_view name : TableDesignNames()) {
+            names += (names.empty() ? "" : ", ") + std::string(name);
+        }
+        return Fail("--layout must be one of " + names);
+    }
 
-    TableWindow window(*cells, meSeat);
+    TableWindow window(*cells, meSeat, *design);
     window.setWindowTitle(parser.value(titleOption));
     window.move(x, y);
     window.show();

@@ -28,6 +28,7 @@ test: build
 bench: build
 	$(BUILD_DIR)/bench/felthawk_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
 	$(BUILD_DIR)/bench/felthawk_capture_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
+	$(BUILD_DIR)/bench/felthawk_store_bench --benchmark_repetitions=3 --benchmark_report_aggregates_only=true
 	bash bench/calc_batch_bench.sh $(BUILD_DIR)
 
 format:

@@ -178,15 +178,28 @@ frmFelthawk::frmFelthawk(const BoardServices& services, IDialogs& dialogs, QWidg
         if (mServices.capture != nullptr) mServices.capture->CapturePass(*this);
     });
 
-    // The one message box a calculation can raise is shown modally here.
-    mState.showMessage = [this](const std::string& text) {
-        mDialogs.MessageBox(this, QString::fromStdString(text), QStringLiteral("Felthawk"),
-                            MessageIcon::Information);
-    };
+    mState.showMessage = [this](const std::string& text) { ShowCalcMessage(text); };
     setFocusPolicy(Qt::StrongFocus);
 }
 
 frmFelthawk::~frmFelthawk() = default;
+
+frmFelthawk::UserAction::UserAction(frmFelthawk& form) : form_(form) {
+    ++form_.mActionDepth;
+}
+
+frmFelthawk::UserAction::~UserAction() {
+    if (--form_.mActionDepth == 0) form_.mActionMessages.clear();
+}
+
+// The one message box a calculation can raise, shown modally. A click runs
+// the driver more than once (press and release both recalculate), and the
+// same text would come up again for the same click.
+void frmFelthawk::ShowCalcMessage(const std::string& text) {
+    if (mActionDepth > 0 && !mActionMessages.insert(text).second) return;
+    mDialogs.MessageBox(this, QString::fromStdString(text), QStringLiteral("Felthawk"),
+                        MessageIcon::Information);
+}
 
 // ---- Building the window --------------------------------------------------
 
@@ -256,8 +269,10 @@ void frmFelthawk::BuildDeck(QWidget* surface) {
             PictureBox* image =
                 MakeImage(surface, QString::fromLatin1(kDeckRowName[row]), rank,
                           DeckLeft(row, rank), kDeckRowTop[row], kCardWidth, kCardHeight);
-            image->SetPicture(LoadPicture(QString::fromStdString(Trim(RankText(rank))) +
-                                          QChar(kDeckRowSuit[row])));
+            Picture& face = mFaces[row][rank - kLowRank];
+            face = LoadPicture(QString::fromStdString(Trim(RankText(rank))) +
+                               QChar(kDeckRowSuit[row]));
+            image->SetPicture(face);
             image->setCursor(Qt::PointingHandCursor);
             image->OnMouseDown([this, row, rank](int button, int x, int y) {
                 DeckMouseDown(row, rank, button, x, y);
@@ -392,6 +407,10 @@ void frmFelthawk::BuildMenus() {
     separator(mnuSettings, "mnusep2");
     item(mnuSettings, "mnuTransparency", QStringLiteral("Transparency"), {},
          [this] { AskTransparency(this, mDialogs, mSettings); });
+    mnuSwitchMode = item(mnuSettings, "mnuSwitchMode",
+                         QStringLiteral("Switch the screen to 1024 \u00d7 768 for capture"), {},
+                         [this] { ChooseSwitchMode(mnuSwitchMode->isChecked()); });
+    mnuSwitchMode->setCheckable(true);
 
     mnuHelp = menuBar()->addMenu(QStringLiteral("&Help"));
     mnuHelp->setObjectName(QStringLiteral("mnuHelp"));
@@ -441,7 +460,11 @@ void frmFelthawk::BuildSeatMenu() {
 // ---- Start and end ------------------------------------------------------
 
 void frmFelthawk::FormLoad(bool showSplash) {
-    if (mServices.display != nullptr) mServices.display->SaveDisplayMode();
+    // The one setting needed before the others are read: a user who never
+    // captures may keep the screen as it is.
+    if (mServices.display != nullptr && GetFelthawkSettings().switchDisplayMode) {
+        mServices.display->SaveDisplayMode();
+    }
     mCaptureOn = false;
     ApplyCaptureMode();
     if (showSplash) {
@@ -485,13 +508,33 @@ void frmFelthawk::ReadSettings() {
     mRightTick = !mSettings.leftMouse;
     mnuLeftMouse->setChecked(mLeftTick);
     mnuRightMouse->setChecked(mRightTick);
+    mnuSwitchMode->setChecked(mSettings.switchDisplayMode);
+}
+
+void frmFelthawk::WriteSettings() {
+    const QString failure = SetFelthawksettings(mSettings);
+    if (!failure.isEmpty()) {
+        mDialogs.MessageBox(this, failure, QStringLiteral("Felthawk"), MessageIcon::Warning);
+    }
 }
 
 void frmFelthawk::ChooseMouse(bool left) {
     mSettings.leftMouse = left;
-    SetFelthawksettings(mSettings);
+    WriteSettings();
     mnuLeftMouse->setChecked(mLeftTick);
     mnuRightMouse->setChecked(mRightTick);
+}
+
+void frmFelthawk::ChooseSwitchMode(bool on) {
+    mSettings.switchDisplayMode = on;
+    WriteSettings();
+    // At once: on switches the screen now, off puts the noted mode back.
+    if (mServices.display == nullptr) return;
+    if (on) {
+        mServices.display->SaveDisplayMode();
+    } else {
+        mServices.display->RestoreDisplayMode();
+    }
 }
 
 void frmFelthawk::SaveHand() {
@@ -630,6 +673,7 @@ int frmFelthawk::LogicalButton(int button) const {
 }
 
 void frmFelthawk::DeckMouseDown(int row, int rank, int button, int x, int y) {
+    const UserAction action(*this);
     PictureBox* image = DeckImage(row, rank);
     if (image == nullptr) return;
     mMouseDownX = static_cast<int16_t>(x);
@@ -650,6 +694,7 @@ void frmFelthawk::DeckMouseDown(int row, int rank, int button, int x, int y) {
 }
 
 void frmFelthawk::DeckMouseUp(int row, int rank, int button, int x, int y) {
+    const UserAction action(*this);
     PictureBox* image = DeckImage(row, rank);
     if (image == nullptr) return;
     const int logical = LogicalButton(button);
@@ -672,6 +717,7 @@ void frmFelthawk::CellDragDrop(int n, PictureBox* source) {
 }
 
 void frmFelthawk::CellMouseDown(int n, int) {
+    const UserAction action(*this);
     if (CellImage(n) == nullptr || mCards[n - 1].empty()) return;
     ReturnCard(n);
     RecalculateHand();
@@ -741,8 +787,12 @@ void frmFelthawk::ClearCards() {
         if (!mCards[n - 1].empty()) ReturnCard(n);
     }
     SetGaugeEnd(l_Temp->X1());
-    for (auto& row : mDeck) {
-        for (PictureBox* image : row) image->show();
+    for (int row = 0; row < kDeckRows; ++row) {
+        for (int rank = kLowRank; rank <= kHighRank; ++rank) {
+            PictureBox* image = mDeck[row][rank - kLowRank];
+            image->SetPicture(mFaces[row][rank - kLowRank]);
+            image->show();
+        }
     }
     for (int n = 1; n <= kCellCount; ++n) {
         IM[n - 1]->SetPicture(mBlank);
@@ -762,6 +812,7 @@ void frmFelthawk::keyPressEvent(QKeyEvent* event) {
 }
 
 void frmFelthawk::KeyDown(int keyCode) {
+    const UserAction action(*this);
     switch (keyCode) {
         case kKeyBackspace:
             for (int n = kCellCount; n >= 1; --n) {
@@ -877,6 +928,7 @@ void frmFelthawk::DrawDealer() {
 }
 
 void frmFelthawk::SetSeatState(int number, const QString& state) {
+    const UserAction action(*this);
     if (!state.isEmpty()) {
         if (number >= 0 && number < kSeatCount) mState.gSeats[number] = state.at(0).toLatin1();
     } else if (PictureBox* image = SeatImage(number)) {
@@ -898,6 +950,7 @@ void frmFelthawk::SetSeatState(int number, const QString& state) {
 }
 
 void frmFelthawk::NextHand() {
+    const UserAction action(*this);
     mState.gDealerSeat = static_cast<int16_t>(mState.gDealerSeat + 1);
     if (mState.gDealerSeat == kSeatCount) mState.gDealerSeat = 0;
     for (int i = 0; i < kSeatCount; ++i) {

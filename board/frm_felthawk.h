@@ -17,6 +17,8 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <set>
+#include <string>
 
 #include <QMainWindow>
 #include <QString>
@@ -81,7 +83,9 @@ class frmFelthawk : public QMainWindow {
     void RecalculateHand();
     // Blanks all results and collapses the gauge.
     void ClearLabels();
-    // Returns every card to the deck and empties the seven cells.
+    // Returns every card to the deck, gives every deck slot its card's face
+    // back (a card dropped over by another comes back here) and empties the
+    // seven cells.
     void ClearCards();
 
     // ---- The deck: rows kSpadesRow (iss), kHeartsRow (IH), kClubsRow (IC),
@@ -161,6 +165,21 @@ class frmFelthawk : public QMainWindow {
     void closeEvent(QCloseEvent* event) override;
 
   private:
+    // One user action: a press, a release, a key, a menu item. A message a
+    // calculation raises is shown once per action, however many times the
+    // action recalculates. Actions nest; the outermost one counts.
+    class UserAction {
+      public:
+        explicit UserAction(frmFelthawk& form);
+        ~UserAction();
+        UserAction(const UserAction&) = delete;
+        UserAction& operator=(const UserAction&) = delete;
+
+      private:
+        frmFelthawk& form_;
+    };
+    void ShowCalcMessage(const std::string& text);
+
     void BuildResults(QWidget* surface);
     void BuildDeck(QWidget* surface);
     void BuildTable(QWidget* surface);
@@ -195,7 +214,11 @@ class frmFelthawk : public QMainWindow {
 
     // Menus and life cycle.
     void ReadSettings();
+    // Writes the settings; a failed write is reported once.
+    void WriteSettings();
     void ChooseMouse(bool left);
+    // "Switch the screen to 1024 x 768 for capture".
+    void ChooseSwitchMode(bool on);
     void SaveHand();
     void OpenHands();
     void ToggleCapture();
@@ -219,7 +242,11 @@ class frmFelthawk : public QMainWindow {
     bool mLeftTick = false;
     bool mRightTick = false;
 
+    int mActionDepth = 0;
+    std::set<std::string> mActionMessages;  // shown in the current action
+
     Picture mBlank;
+    std::array<std::array<Picture, kHighRank - kLowRank + 1>, kDeckRows> mFaces;
     Picture mHandPicture, mFoldPicture, mEmptyPicture;
     Picture mDealerPicture, mNoDealerPicture;
     Picture mCaptureOffPicture, mCaptureOnPicture;
@@ -262,6 +289,7 @@ class frmFelthawk : public QMainWindow {
     QMenu* mnuHelp = nullptr;
     QAction* mnuLeftMouse = nullptr;
     QAction* mnuRightMouse = nullptr;
+    QAction* mnuSwitchMode = nullptr;
 
     QTimer* Timer1 = nullptr;
     QTimer* tmr_Read = nullptr;

@@ -7,6 +7,8 @@
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
 
+#include "settings/display_guard.h"
+
 namespace felthawk {
 
 namespace {
@@ -282,12 +284,17 @@ void modresolution::SaveDisplayMode() {
         current->width == kCaptureMode.width && current->height == kCaptureMode.height;
     const bool rightDepth = current->depth == kCaptureMode.depth || modes_.DepthIsFixed();
     if (rightSize && rightDepth) return;
+    // Whoever puts the mode back after a crash reads it from the note, so
+    // without one the screen is better left alone.
+    if (note_ != nullptr && !note_->Write(startMode_)) return;
     SetDisplayMode(kCaptureMode.width, kCaptureMode.height, kCaptureMode.depth,
                    kCaptureMode.frequency);
 }
 
 void modresolution::RestoreDisplayMode() {
     SetDisplayMode(startMode_.width, startMode_.height, startMode_.depth, startMode_.frequency);
+    startMode_ = DisplayMode{};
+    if (note_ != nullptr) note_->Remove();
 }
 
 void modresolution::SetDisplayMode(int16_t width, int16_t height, int16_t depth,

@@ -77,14 +77,21 @@ constexpr DisplayMode kCaptureMode{1024, 768, 16, 60};
 
 // The display mode keeper of the main window: notes the mode at start, forces
 // the capture mode, and puts the noted mode back at the end.
+class DisplayModeNote;
+
 class modresolution {
   public:
-    explicit modresolution(IDisplayModes& modes) : modes_(modes) {}
+    // With a `note`, the mode found is written there before the screen is
+    // switched and the note is removed once the mode is back; a note that
+    // cannot be written leaves the screen alone.
+    explicit modresolution(IDisplayModes& modes, const DisplayModeNote* note = nullptr)
+        : modes_(modes), note_(note) {}
 
     // Notes the current mode and, unless it is 1024 by 768 at 16 bits (or at
     // any depth where the depth is fixed), sets kCaptureMode.
     void SaveDisplayMode();
-    // Sets the noted mode again.
+    // Sets the noted mode again; afterwards nothing is noted, so a second
+    // call changes nothing.
     void RestoreDisplayMode();
     // Changes the values given (non-zero), taking the others from the values
     // last set; see ModeChange. The change is a temporary one.
@@ -95,6 +102,7 @@ class modresolution {
 
   private:
     IDisplayModes& modes_;
+    const DisplayModeNote* note_;
     DisplayMode startMode_;
     DisplayMode lastSet_;
     DisplayMode record_;

@@ -38,6 +38,11 @@ frmSaveHands::frmSaveHands(IDialogs& dialogs, QWidget* parent)
     cmdOK_->setObjectName(QStringLiteral("cmdOK"));
     cmdOK_->setGeometry(Px(2100), Px(2385), Px(kButtonWidth), Px(kButtonHeight));
 
+    // Enter closes the form; only a click or the space bar on "&Remove"
+    // removes.
+    Command1_->setAutoDefault(false);
+    cmdOK_->setDefault(true);
+
     connect(Command1_, &QPushButton::clicked, this, &frmSaveHands::RemoveSelected);
     connect(cmdOK_, &QPushButton::clicked, this, &QDialog::accept);
 
@@ -53,8 +58,7 @@ void frmSaveHands::NewHand(const QString& joinedCells) {
                           QStringLiteral("Save Hand"), joinedCells, &accepted);
     if (count < kMaxSavedHands) {
         lstSave_->addItem(name + QLatin1Char(':') + joinedCells);
-        DeleteAllHands();
-        StoreHands();
+        WriteList();
     } else {
         dialogs_.MessageBox(parentWidget(),
                             QStringLiteral("You have exceeded the limit, Please remove one Item "
@@ -71,25 +75,42 @@ void frmSaveHands::LoadHands() {
     }
 }
 
-void frmSaveHands::DeleteAllHands() {
+void frmSaveHands::DeleteAllHands(StoreWrite& write) {
     for (int place = 1; place <= kMaxSavedHands; ++place) {
-        DeleteSavedHand(static_cast<uint8_t>(place));
+        DeleteSavedHand(write, static_cast<uint8_t>(place));
     }
 }
 
-void frmSaveHands::StoreHands() {
+void frmSaveHands::StoreHands(StoreWrite& write) {
     for (int place = 1; place <= lstSave_->count(); ++place) {
-        PutSavedHand(lstSave_->item(place - 1)->text(), static_cast<uint8_t>(place));
+        PutSavedHand(write, lstSave_->item(place - 1)->text(), static_cast<uint8_t>(place));
+    }
+    const QString failure = write.Commit();
+    if (!failure.isEmpty()) {
+        dialogs_.MessageBox(parentWidget() != nullptr ? parentWidget() : this, failure,
+                            QStringLiteral("Felthawk"), MessageIcon::Warning);
     }
     LoadHands();
+}
+
+void frmSaveHands::WriteList() {
+    StoreWrite write;
+    DeleteAllHands(write);
+    StoreHands(write);
 }
 
 void frmSaveHands::RemoveSelected() {
     QListWidgetItem* selected = lstSave_->currentItem();
     if (selected == nullptr || !selected->isSelected()) return;
+    // The record is the name, ":" and the seven cells, which hold no ":".
+    const QString record = selected->text();
+    const QString name = record.left(record.lastIndexOf(QLatin1Char(':')));
+    if (!dialogs_.AskYesNo(this, QStringLiteral("Remove %1?").arg(name),
+                           QStringLiteral("Save Hands"))) {
+        return;
+    }
     delete lstSave_->takeItem(lstSave_->row(selected));
-    DeleteAllHands();
-    StoreHands();
+    WriteList();
 }
 
 }  // namespace felthawk

@@ -4,6 +4,9 @@
 // cells joined by commas ("pair:AS,AH,,,,,"). The list is for looking at
 // only: nothing leads from an item back to the table, and the record is never
 // split again, so a ":" or "," in the name is harmless.
+//
+// Every change of the list is one write of the store, and Enter never
+// removes a hand: "&Close" is the default button, and "&Remove" asks first.
 #pragma once
 
 #include <QDialog>
@@ -15,6 +18,7 @@ class QPushButton;
 namespace felthawk {
 
 class IDialogs;
+class StoreWrite;
 
 class frmSaveHands : public QDialog {
     Q_OBJECT
@@ -31,18 +35,23 @@ class frmSaveHands : public QDialog {
     void NewHand(const QString& joinedCells);
     // Refills the list from "HAND1".."HAND10", skipping absent keys.
     void LoadHands();
-    // Deletes all ten hand keys.
-    void DeleteAllHands();
-    // Writes the list from "HAND1" on, without holes, then reloads it.
-    void StoreHands();
+    // Deletes all ten hand keys in `write`.
+    void DeleteAllHands(StoreWrite& write);
+    // Writes the list from "HAND1" on, without holes, commits `write`, and
+    // reloads the list. A failed write is reported and the list shows what
+    // the store still holds.
+    void StoreHands(StoreWrite& write);
 
     QListWidget* lstSave() const { return lstSave_; }
     QPushButton* Command1() const { return Command1_; }
     QPushButton* cmdOK() const { return cmdOK_; }
 
   private:
-    // "&Remove": drops the selected item and writes the list back.
+    // "&Remove": asks "Remove <name>?", then drops the selected item and
+    // writes the list back.
     void RemoveSelected();
+    // Replaces the stored hands with the list as it stands.
+    void WriteList();
 
     IDialogs& dialogs_;
     QListWidget* lstSave_;

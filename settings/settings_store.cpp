@@ -8,6 +8,7 @@
 
 #include "cards/card_codes.h"
 #include "cards/runtime_fault.h"
+#include "settings/store_file.h"
 
 namespace felthawk {
 
@@ -19,7 +20,7 @@ enum class SettingType {
     Text,    // the text as it stands
 };
 
-enum class Setting { Transparency, Mouse, SavedHand };
+enum class Setting { Transparency, Mouse, SwitchMode, SavedHand };
 
 struct SettingRow {
     Setting id;
@@ -31,6 +32,7 @@ struct SettingRow {
 constexpr SettingRow kSettingsTable[] = {
     {Setting::Transparency, "MTRANS", SettingType::Number, "80"},
     {Setting::Mouse, "MOUSE", SettingType::Text, "LEFT"},
+    {Setting::SwitchMode, "SWITCHMODE", SettingType::Text, "1"},
     {Setting::SavedHand, "HAND", SettingType::Text, ""},
 };
 
@@ -43,6 +45,12 @@ constexpr const SettingRow& RowOf(Setting id) {
 
 constexpr const char* kLeft = "LEFT";
 constexpr const char* kRight = "RIGHT";
+constexpr const char* kOff = "0";
+constexpr const char* kOn = "1";
+
+QString KeyOf(Setting id) {
+    return QString::fromLatin1(RowOf(id).key);
+}
 
 QString HandKey(uint8_t place) {
     return QString::fromLatin1(RowOf(Setting::SavedHand).key) + QString::number(place);
@@ -64,70 +72,78 @@ int16_t ReadNumber(const SettingRow& row, const QString& text) {
     }
 }
 
-class Store {
-  public:
-    Store() : settings_("FELTHAWK", "FELTHAWK") { settings_.beginGroup("SETTINGS"); }
+const QString kSection = QStringLiteral("SETTINGS");
 
-    // The value under `key` as the setting's type reads it.
-    QVariant Read(const SettingRow& row, const QString& key) const {
-        const QString text = RawText(row, key);
-        switch (row.type) {
-            case SettingType::Number:
-                return ReadNumber(row, text);
-            case SettingType::Text:
-                break;
-        }
-        return text;
+// The file of the platform's per-user store, where QSettings keeps
+// organisation and application "FELTHAWK". Asked once: QSettings reads the
+// whole file when it is made.
+const QString& StorePath() {
+    static const QString path =
+        QSettings(QStringLiteral("FELTHAWK"), QStringLiteral("FELTHAWK")).fileName();
+    return path;
+}
+
+// The value under `key` as the setting's type reads it.
+QVariant Read(const SettingRow& row, const QString& key) {
+    const QString text =
+        ReadStoreText(StorePath(), kSection, key).value_or(QString::fromLatin1(row.fallback));
+    switch (row.type) {
+        case SettingType::Number:
+            return ReadNumber(row, text);
+        case SettingType::Text:
+            break;
     }
-    QVariant Read(Setting id) const {
-        const SettingRow& row = RowOf(id);
-        return Read(row, QString::fromLatin1(row.key));
-    }
+    return text;
+}
 
-    void Write(const QString& key, const QString& text) { settings_.setValue(key, text); }
-    void Remove(const QString& key) { settings_.remove(key); }
-
-  private:
-    QString RawText(const SettingRow& row, const QString& key) const {
-        const QVariant value = settings_.value(key);
-        if (!value.isValid()) return QString::fromLatin1(row.fallback);
-        // A text with commas that was written by hand, unquoted, comes back
-        // as a list; put the commas back rather than lose the text.
-        if (value.typeId() == QMetaType::QStringList) return value.toStringList().join(',');
-        return value.toString();
-    }
-
-    QSettings settings_;
-};
+QVariant Read(Setting id) {
+    return Read(RowOf(id), KeyOf(id));
+}
 
 }  // namespace
 
+StoreWrite::StoreWrite() = default;
+StoreWrite::~StoreWrite() = default;
+
+void StoreWrite::Put(const QString& key, const QString& text) {
+    changes_.push_back({key, text});
+}
+
+void StoreWrite::Remove(const QString& key) {
+    changes_.push_back({key, std::nullopt});
+}
+
+QString StoreWrite::Commit() {
+    return WriteStoreFile(StorePath(), kSection, changes_);
+}
+
 FelthawkSettings GetFelthawkSettings() {
-    const Store store;
     FelthawkSettings settings;
-    settings.transparency = static_cast<int16_t>(store.Read(Setting::Transparency).toInt());
-    settings.leftMouse = store.Read(Setting::Mouse).toString() == QLatin1String(kLeft);
+    settings.transparency = static_cast<int16_t>(Read(Setting::Transparency).toInt());
+    settings.leftMouse = Read(Setting::Mouse).toString() == QLatin1String(kLeft);
+    settings.switchDisplayMode = Read(Setting::SwitchMode).toString() != QLatin1String(kOff);
     return settings;
 }
 
-void SetFelthawksettings(const FelthawkSettings& settings) {
-    Store store;
-    store.Write(QString::fromLatin1(RowOf(Setting::Transparency).key),
-                QString::number(settings.transparency));
-    store.Write(QString::fromLatin1(RowOf(Setting::Mouse).key),
-                QString::fromLatin1(settings.leftMouse ? kLeft : kRight));
+QString SetFelthawksettings(const FelthawkSettings& settings) {
+    StoreWrite write;
+    write.Put(KeyOf(Setting::Transparency), QString::number(settings.transparency));
+    write.Put(KeyOf(Setting::Mouse), QString::fromLatin1(settings.leftMouse ? kLeft : kRight));
+    write.Put(KeyOf(Setting::SwitchMode),
+              QString::fromLatin1(settings.switchDisplayMode ? kOn : kOff));
+    return write.Commit();
 }
 
 QString GetSavedHand(uint8_t place) {
-    return Store().Read(RowOf(Setting::SavedHand), HandKey(place)).toString();
+    return Read(RowOf(Setting::SavedHand), HandKey(place)).toString();
 }
 
-void PutSavedHand(const QString& text, uint8_t place) {
-    Store().Write(HandKey(place), text);
+void PutSavedHand(StoreWrite& write, const QString& text, uint8_t place) {
+    write.Put(HandKey(place), text);
 }
 
-void DeleteSavedHand(uint8_t place) {
-    Store().Remove(HandKey(place));
+void DeleteSavedHand(StoreWrite& write, uint8_t place) {
+    write.Remove(HandKey(place));
 }
 
 }  // namespace felthawk

@@ -146,7 +146,10 @@ bool AskTransparency(QWidget* parent, IDialogs& dialogs, FelthawkSettings& setti
     const std::optional<int16_t> number = WholeNumber(answer);
     if (!number) return false;
     if (*number >= 1 && *number <= 100) settings.transparency = *number;
-    SetFelthawksettings(settings);
+    const QString failure = SetFelthawksettings(settings);
+    if (!failure.isEmpty()) {
+        dialogs.MessageBox(parent, failure, QStringLiteral("Felthawk"), MessageIcon::Warning);
+    }
     return true;
 }
 

@@ -100,7 +100,8 @@ int16_t HeldAlphaValue(int16_t transparency);
 // number is ignored; in both cases the store is written. A cancelled box or
 // an answer that is no number changes and writes nothing. The window itself
 // is not touched: the value takes effect at the next F3 or held press.
-// Returns true when the store was written.
+// Returns true when the store was written; a write that failed is reported
+// with one message.
 bool AskTransparency(QWidget* parent, IDialogs& dialogs, FelthawkSettings& settings);
 
 }  // namespace felthawk

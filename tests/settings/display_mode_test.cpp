@@ -1,13 +1,19 @@
 #include "settings/display_mode.h"
 
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <xcb/randr.h>
+#include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
+
+#include "settings/display_guard.h"
+#include "tests/settings/xvfb_modes.h"
 
 namespace felthawk {
 namespace {
@@ -21,8 +27,12 @@ class FakeDisplayModes : public IDisplayModes {
     bool depthFixed = false;
     Modes applied;
 
+    // Called before each change reaches the screen.
+    std::function<void()> beforeApply;
+
     std::optional<DisplayMode> Current() override { return current; }
     bool Apply(const DisplayMode& mode) override {
+        if (beforeApply) beforeApply();
         applied.push_back(mode);
         current = mode;
         return true;
@@ -74,55 +84,67 @@ TEST(DisplayModeLogic, GivenValuesAreFilledFromTheLastSet) {
     }
 }
 
-// An Xvfb server of our own, on a display number it picks itself; "" when it
-// did not come up.
-class Xvfb {
-  public:
-    explicit Xvfb(const QString& screen) {
-        process_.start("Xvfb", {"-displayfd", "1", "-screen", "0", screen, "-nolisten", "tcp"});
-        while (display_.isEmpty() && process_.waitForReadyRead(10000)) {
-            if (process_.canReadLine()) display_ = ":" + process_.readLine().trimmed();
+TEST(DisplayModeNoteTest, TheNoteStandsExactlyWhileTheScreenIsSwitched) {
+    QTemporaryDir folder;
+    const DisplayModeNote note(DisplayModeNote::PathFor(folder.path(), ":7"));
+    EXPECT_NE(note.Path(), DisplayModeNote::PathFor(folder.path(), ":8"));
+    const DisplayMode start{1280, 1024, 24, 60};
+    FakeDisplayModes screen;
+    screen.current = start;
+    std::vector<std::optional<DisplayMode>> notedAtChange;
+    screen.beforeApply = [&] { notedAtChange.push_back(note.Read()); };
+
+    modresolution keeper(screen, &note);
+    keeper.SaveDisplayMode();
+    EXPECT_EQ(note.Read(), start) << "noted for the run";
+    keeper.RestoreDisplayMode();
+    EXPECT_FALSE(QFile::exists(note.Path()));
+    keeper.RestoreDisplayMode();
+    EXPECT_EQ(screen.applied, (Modes{kCaptureMode, start})) << "a second restore does nothing";
+    EXPECT_EQ(notedAtChange, (std::vector<std::optional<DisplayMode>>{start, start}))
+        << "the note is written before the switch and removed after the mode is back";
+
+    // Where no note can be written the screen is left alone.
+    const DisplayModeNote nowhere(folder.filePath("missing/folder/note"));
+    FakeDisplayModes other;
+    other.current = start;
+    modresolution careful(other, &nowhere);
+    careful.SaveDisplayMode();
+    EXPECT_TRUE(other.applied.empty());
+}
+
+TEST(DisplayModeNoteTest, ANoteLeftBehindIsPutBackAndDropped) {
+    // The note's text (nullptr: no note) and the mode put back.
+    const std::pair<const char*, Modes> cases[] = {
+        {"1280 1024 24 60\n", {{1280, 1024, 24, 60}}},
+        {" 800  600 16 1 ", {{800, 600, 16, 1}}},
+        {"1280 1024 24", {}},
+        {"0 0 0 0", {}},
+        {"99999 768 16 60", {}},
+        {"1024 768 16 60 7", {}},
+        {"garbage", {}},
+        {"", {}},
+        {nullptr, {}},
+    };
+    QTemporaryDir folder;
+    for (const auto& [text, restored] : cases) {
+        SCOPED_TRACE(text ? text : "no note");
+        const DisplayModeNote note(DisplayModeNote::PathFor(folder.path(), ":0"));
+        if (text != nullptr) {
+            QFile file(note.Path());
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(text);
         }
+        FakeDisplayModes screen;
+        screen.current = DisplayMode{1024, 768, 24, 60};
+        EXPECT_EQ(RestoreNotedMode(note, screen), text != nullptr);
+        EXPECT_EQ(screen.applied, restored);
+        EXPECT_FALSE(QFile::exists(note.Path()));
     }
-    ~Xvfb() {
-        process_.terminate();
-        process_.waitForFinished(5000);
-    }
-    const char* Display() const { return display_.constData(); }
-
-  private:
-    QProcess process_;
-    QByteArray display_;
-};
-
-// Offers 1024x768 at 60 Hz (the VESA timings) on the first output, as a
-// monitor would; the server drops the mode when the returned connection closes.
-using Connection = std::unique_ptr<xcb_connection_t, void (*)(xcb_connection_t*)>;
-Connection OfferCaptureMode(const char* display) {
-    Connection conn(xcb_connect(display, nullptr), xcb_disconnect);
-    xcb_connection_t* c = conn.get();
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(c)).data->root;
-    std::free(xcb_randr_query_version_reply(c, xcb_randr_query_version(c, 1, 2), nullptr));
-    auto* resources = xcb_randr_get_screen_resources_current_reply(
-        c, xcb_randr_get_screen_resources_current(c, root), nullptr);
-    if (resources == nullptr) return conn;
-    const xcb_randr_output_t output = xcb_randr_get_screen_resources_current_outputs(resources)[0];
-    std::free(resources);
-    const char name[] = "1024x768_60";
-    // Id, size, dot clock, horizontal sync, total and skew, vertical sync and
-    // total, name length, flags.
-    const xcb_randr_mode_info_t mode{0,   1024, 768, 65000000,        1048, 1184, 1344, 0,
-                                     771, 777,  806, sizeof name - 1, 0};
-    auto* created = xcb_randr_create_mode_reply(
-        c, xcb_randr_create_mode(c, root, mode, mode.name_len, name), nullptr);
-    if (created == nullptr) return conn;
-    std::free(xcb_request_check(c, xcb_randr_add_output_mode_checked(c, output, created->mode)));
-    std::free(created);
-    return conn;
 }
 
 TEST(XRandrDisplayModesTest, ReadsXvfbRefusesAMissingModeAndSwitchesToAnOfferedOne) {
-    Xvfb server("1280x1024x24");
+    testing::Xvfb server("1280x1024x24");
     ASSERT_STRNE(server.Display(), "") << "Xvfb did not start";
     XRandrDisplayModes screen(server.Display());
     const std::optional<DisplayMode> found = screen.Current();
@@ -135,7 +157,7 @@ TEST(XRandrDisplayModesTest, ReadsXvfbRefusesAMissingModeAndSwitchesToAnOfferedO
     keeper.SaveDisplayMode();
     EXPECT_EQ(screen.Current(), found);
 
-    const auto offered = OfferCaptureMode(server.Display());
+    const auto offered = testing::OfferCaptureMode(server.Display());
     keeper.SaveDisplayMode();
     EXPECT_EQ(keeper.StartMode(), found);
     // The depth stays the root visual's; the refresh comes from the timings.

@@ -12,23 +12,34 @@
 #include <QTemporaryDir>
 
 #include "settings/dialogs.h"
+#include "settings/store_file.h"
 
 namespace felthawk::testing {
 
-// The raw store as another program sees it: "SETTINGS/<key>". A new object
-// each time, as the program opens one for every read and write.
+// The raw store as another program sees it: "SETTINGS/<key>", for setting
+// up what a test starts from.
 struct Raw : QSettings {
     Raw() : QSettings(QStringLiteral("FELTHAWK"), QStringLiteral("FELTHAWK")) {
         beginGroup(QStringLiteral("SETTINGS"));
     }
 };
 
-// Answers input boxes from a queue; an empty optional is a cancel.
+// The text of a key as the file on disk holds it now; nothing when absent.
+// (A QSettings object may answer from what it read earlier.)
+inline std::optional<QString> Disk(const QString& key) {
+    return ReadStoreText(Raw().fileName(), QStringLiteral("SETTINGS"), key);
+}
+
+// Answers input boxes from a queue (an empty optional is a cancel) and
+// questions from another (nothing queued: No).
 class FakeDialogs : public IDialogs {
   public:
     std::deque<std::optional<QString>> answers;
     std::vector<QString> defaults;  // the default answer each box offered
     int messages = 0;
+    QString lastMessage;
+    std::deque<bool> yes;
+    std::vector<QString> questions;
 
     QString InputBox(QWidget*, const QString&, const QString&, const QString& defaultAnswer,
                      bool* accepted) override {
@@ -38,10 +49,16 @@ class FakeDialogs : public IDialogs {
         if (accepted != nullptr) *accepted = answer.has_value();
         return answer.value_or(QString());
     }
-    void MessageBox(QWidget*, const QString&, const QString&, MessageIcon) override { ++messages; }
-    bool AskYesNo(QWidget*, const QString&, const QString&) override {
-        ADD_FAILURE() << "no question is asked here";
-        return false;
+    void MessageBox(QWidget*, const QString& text, const QString&, MessageIcon) override {
+        ++messages;
+        lastMessage = text;
+    }
+    bool AskYesNo(QWidget*, const QString& text, const QString&) override {
+        questions.push_back(text);
+        if (yes.empty()) return false;
+        const bool answer = yes.front();
+        yes.pop_front();
+        return answer;
     }
 };
 

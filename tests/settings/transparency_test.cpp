@@ -95,9 +95,9 @@ TEST_F(TransparencyTest, TheDialogAnswerDecidesSettingAndStore) {
         EXPECT_EQ(AskTransparency(nullptr, dialogs, settings), written);
         EXPECT_EQ(dialogs.defaults.back(), "45") << "the current setting is offered";
         EXPECT_EQ(settings.transparency, transparency);
-        EXPECT_EQ(testing::Raw().value("MTRANS").toString(),
+        EXPECT_EQ(testing::Disk("MTRANS").value_or(""),
                   written ? QString::number(transparency) : "");
-        EXPECT_EQ(testing::Raw().value("MOUSE").toString(), written ? "RIGHT" : "");
+        EXPECT_EQ(testing::Disk("MOUSE").value_or(""), written ? "RIGHT" : "");
     }
 }
 

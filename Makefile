@@ -2,9 +2,11 @@
 # make test  installs what is missing, builds and runs every test
 BUILD_DIR ?= build
 ASAN_DIR ?= build-asan
+FUZZ_DIR ?= build-fuzz
+FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 
-.PHONY: run test deps build bench format
+.PHONY: run test deps build bench format fuzz
 
 deps:
 	@bash scripts/install-deps.sh
@@ -17,13 +19,22 @@ run: build
 	@bash scripts/run.sh $(BUILD_DIR)
 
 # Every test of the full build, then the engine's tests once more under
-# AddressSanitizer and UndefinedBehaviorSanitizer.
+# AddressSanitizer and UndefinedBehaviorSanitizer, then every fuzz target for
+# 20 s.
 test: build
 	ctest --test-dir $(BUILD_DIR) --output-on-failure -j $(JOBS)
 	cmake -S . -B $(ASAN_DIR) -DCMAKE_BUILD_TYPE=Debug -DFELTHAWK_ENGINE_ONLY=ON \
 	    -DFELTHAWK_SANITIZE=ON
 	cmake --build $(ASAN_DIR) -j $(JOBS)
 	ctest --test-dir $(ASAN_DIR) --output-on-failure -j $(JOBS)
+	$(MAKE) fuzz FUZZ_SECONDS=20
+
+# The fuzz targets of tests/fuzz, built by clang, each run for FUZZ_SECONDS.
+fuzz: deps
+	cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+	    -DFELTHAWK_FUZZ=ON -DFELTHAWK_FUZZ_SECONDS=$(FUZZ_SECONDS)
+	cmake --build $(FUZZ_DIR) --target felthawk_fuzz_targets -j $(JOBS)
+	ctest --test-dir $(FUZZ_DIR) --output-on-failure -j $(JOBS)
 
 bench: build
 	$(BUILD_DIR)/bench/felthawk_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true

@@ -1,6 +1,9 @@
 #include "cards/card_codes.h"
 
 #include <cctype>
+#include <cmath>
+
+#include "cards/runtime_fault.h"
 
 namespace felthawk {
 
@@ -66,7 +69,7 @@ double Val(std::string_view text) {
 
 int RankFromLetter(std::string_view text) {
     double value = Val(text);
-    if (value != 0.0) return static_cast<int>(value);
+    if (value != 0.0) return ToInt16(std::trunc(value));
     if (text == "A") return 14;
     if (text == "K") return 13;
     if (text == "Q") return 12;
@@ -99,7 +102,7 @@ CardCode CardFromText(std::string_view text) {
         if (at == std::string_view::npos) continue;
         std::string rest(text.substr(0, at));
         rest += text.substr(at + 1);
-        return static_cast<CardCode>(RankFromLetter(rest) + SuitBaseOfLetter(letter));
+        return ToInt16(RankFromLetter(rest) + SuitBaseOfLetter(letter));
     }
     return kNoCard;
 }

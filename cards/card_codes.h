@@ -49,6 +49,7 @@ int SuitBaseOfLetter(char letter);
 // Text of a rank: "T".."A" for 10..14, the digits below 10, "" above 14.
 std::string RankToLetter(long rank);
 // Val of the text when that is not 0, else 14, 13, 12, 11, 10 for A K Q J T.
+// A number outside 16 bits raises an overflow fault (cards/runtime_fault.h).
 int RankFromLetter(std::string_view text);
 // As RankToLetter, but 2..9 carry the leading blank of a number turned into
 // text, and any rank outside 2..14 gives "". Callers trim.
@@ -57,7 +58,7 @@ std::string RankText(long rank);
 int RankValue(std::string_view text);
 
 // The code of a card text such as "AS"; kNoCard when the text holds no suit
-// letter (the path of every empty cell).
+// letter (the path of every empty cell). Overflows as RankFromLetter does.
 CardCode CardFromText(std::string_view text);
 
 // The two-character text of a legal card code ("AS", "TH", "2C").

@@ -12,16 +12,64 @@ constexpr const char* kRowCaptions[kHandClassCount] = {
     "Flush", "Full House", "Four Of A Kind",  "Straight Flush",
 };
 
-bool NeedsEscape(char c) {
-    return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20;
+// Bytes that go out as they are: printable ASCII other than the quote and
+// the backslash.
+bool IsPlain(unsigned char c) {
+    return c >= 0x20 && c < 0x80 && c != '"' && c != '\\';
 }
 
+// The length of the well-formed UTF-8 sequence that starts `text`, or 0:
+// shortest form only, no surrogates, nothing above U+10FFFF.
+std::size_t Utf8Length(std::string_view text) {
+    const auto lead = static_cast<unsigned char>(text[0]);
+    std::size_t length;
+    unsigned char low = 0x80;  // the bounds of the second byte
+    unsigned char high = 0xBF;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        length = 2;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        length = 3;
+        if (lead == 0xE0) low = 0xA0;
+        if (lead == 0xED) high = 0x9F;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        length = 4;
+        if (lead == 0xF0) low = 0x90;
+        if (lead == 0xF4) high = 0x8F;
+    } else {
+        return 0;
+    }
+    if (text.size() < length) return 0;
+    for (std::size_t i = 1; i < length; ++i) {
+        const auto next = static_cast<unsigned char>(text[i]);
+        if (next < (i == 1 ? low : 0x80) || next > (i == 1 ? high : 0xBF)) return 0;
+    }
+    return length;
+}
+
+// A JSON string of any bytes: escapes what JSON wants escaped and writes
+// U+FFFD for every byte that is not part of well-formed UTF-8.
 void AppendString(std::string& out, std::string_view text) {
+    constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
     out += '"';
-    std::size_t plain = 0;
-    while (plain < text.size() && !NeedsEscape(text[plain])) ++plain;
-    out.append(text.substr(0, plain));
-    for (char c : text.substr(plain)) {
+    std::size_t i = 0;
+    while (i < text.size()) {
+        std::size_t plain = i;
+        while (plain < text.size() && IsPlain(static_cast<unsigned char>(text[plain]))) ++plain;
+        out.append(text, i, plain - i);
+        i = plain;
+        if (i == text.size()) break;
+        const auto c = static_cast<unsigned char>(text[i]);
+        if (c >= 0x80) {
+            const std::size_t length = Utf8Length(text.substr(i));
+            if (length == 0) {
+                out += kReplacement;
+                ++i;
+            } else {
+                out.append(text, i, length);
+                i += length;
+            }
+            continue;
+        }
         switch (c) {
             case '"':
                 out += "\\\"";
@@ -38,15 +86,13 @@ void AppendString(std::string& out, std::string_view text) {
             case '\t':
                 out += "\\t";
                 break;
-            default:
-                if (static_cast<unsigned char>(c) < 0x20) {
-                    char escaped[8];
-                    std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
-                    out += escaped;
-                } else {
-                    out += c;
-                }
+            default: {
+                char escaped[8];
+                std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
+                out += escaped;
+            }
         }
+        ++i;
     }
     out += '"';
 }

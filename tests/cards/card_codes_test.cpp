@@ -1,4 +1,5 @@
 #include "cards/card_codes.h"
+#include "cards/runtime_fault.h"
 
 #include <gtest/gtest.h>
 
@@ -37,6 +38,12 @@ TEST(CardCodes, RankTexts) {
     EXPECT_EQ(RankFromLetter("T"), 10);
     EXPECT_EQ(RankFromLetter("7"), 7);
     EXPECT_EQ(RankFromLetter("X"), 0);
+    EXPECT_EQ(RankFromLetter("7.9"), 7);
+    // Numbers beyond 16 bits are the runtime's overflow, not a wrapped rank.
+    for (const char* text : {"99999", "-40000", "7777777777777777777777"}) {
+        EXPECT_THROW(RankFromLetter(text), RuntimeFault) << text;
+    }
+    EXPECT_THROW(CardFromText("32700D"), RuntimeFault);
 }
 
 TEST(CardCodes, CardTextRoundTrips) {

@@ -29,7 +29,8 @@ void TurnTwoPairBoard(CalcState& state) {
 }
 
 // A pocket pair and a pair on the board. Only a pocket pair below the board's
-// pair gets a figure; above it, the rule gives 0 on purpose.
+// higher pair gets a figure, and it plays as the low pair even when it is the
+// middle one of three pairs; as the highest pair it gives 0 on purpose.
 void TurnTwoPairPocket(CalcState& state, int lo, int hi) {
     const SuitTable board = BoardSuitTable(state);
     bool suitedThree = false;
@@ -43,11 +44,12 @@ void TurnTwoPairPocket(CalcState& state, int lo, int hi) {
     }
     const int a = others[0] <= others[1] ? others[0] : others[1];
     const int b = others[0] <= others[1] ? others[1] : others[0];
+    const int pocket = RankAt(state, 0);
     const int singlesAbove =
-        CountRanksIn(lo + 1, 14, [&](long rank) { return state.gRankCount[rank] == 1; });
+        CountRanksIn(pocket + 1, 14, [&](long rank) { return state.gRankCount[rank] == 1; });
     const double suitPenalty = suitedThree ? 1.0 : 0.0;
     double outs = 0.0;
-    if (RankAt(state, 0) == lo) {
+    if (pocket != hi) {
         switch (singlesAbove) {
             case 2:
                 outs = 1.0;
@@ -56,9 +58,9 @@ void TurnTwoPairPocket(CalcState& state, int lo, int hi) {
                 outs = 4.5 - suitPenalty;
                 break;
             case 1:
-                if (a == lo - 1 && hi - lo <= 3 && b > lo && b < hi) {
-                    outs = 2.0 + (hi - lo <= 2 ? 2.0 : 0.0);
-                } else if (a == lo - 1 && hi - lo == 1 && b == hi + 1) {
+                if (a == pocket - 1 && hi - pocket <= 3 && b > pocket && b < hi) {
+                    outs = 2.0 + (hi - pocket <= 2 ? 2.0 : 0.0);
+                } else if (a == pocket - 1 && hi - pocket == 1 && b == hi + 1) {
                     outs = 4.0 - suitPenalty;
                 } else {
                     outs = 1.24;
@@ -69,7 +71,7 @@ void TurnTwoPairPocket(CalcState& state, int lo, int hi) {
         }
     }
     state.trace.Note("TurnTwoPairPocket: lo ", lo, ", hi ", hi, ", a ", a, ", b ", b,
-                     ", singles above lo ", singlesAbove);
+                     ", singles above the pocket pair ", singlesAbove);
     TurnStrengthFromOuts(state, "TurnTwoPairPocket", outs, UnseenRule::kLarger);
 }
 

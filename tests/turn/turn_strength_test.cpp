@@ -189,6 +189,11 @@ const LeafCase kTwoPairCases[] = {
     {"PocketNoSingleAbove", "5C,5D,9S,9H,2C,3D", "TurnTwoPairPocket: outs 4.5,", 19},
     {"PocketTwoSinglesAbove", "5C,5D,9S,9H,JC,KD", "TurnTwoPairPocket: outs 1,", 4},
     {"PocketAboveBoardPair", "9C,9D,5S,5H,2C,KD", "TurnTwoPairPocket: outs 0,", 0},
+    // Three pairs: a pocket pair below the highest plays as the low pair.
+    {"PocketMiddleOfThree", "5S,5H,9H,3D,9C,3H", "TurnTwoPairPocket: outs 4.5,", 19},
+    {"PocketTensMiddleOfThree", "TS,TD,JH,6D,6C,JD", "TurnTwoPairPocket: outs 4.5,", 19},
+    {"PocketLowestOfThree", "3S,3H,9H,5D,9C,5H", "TurnTwoPairPocket: outs 4.5,", 19},
+    {"PocketHighestOfThree", "JS,JD,TH,6D,6C,TC", "TurnTwoPairPocket: outs 0,", 0},
     {"PocketInsideRun", "5C,5D,7S,7H,4C,6D", "TurnTwoPairPocket: outs 4,", 17},
     {"PocketRunAboveSuited", "5C,5D,6S,6H,4S,7S", "TurnTwoPairPocket: outs 3,", 13},
     {"HoleLowPair", "KC,7D,KS,7H,2C,9D", "TurnTwoPairHole: outs 12, N 45 (Fixed 45)", 47},
@@ -254,6 +259,7 @@ TEST(TurnSeats, EachRuleCountsTheSeatsItsOwnWay) {
     };
     const SeatRuleCase cases[] = {
         {"Larger", "AC,AD,2S,7H,9D,KC", {27, 29, 29, 31, 31}},
+        {"Larger, pocket pair in the middle", "TS,TD,JH,6D,6C,JD", {19, 20, 20, 21, 21}},
         {"Sum", "KH,2C,QS,QH,QD,QC", {18, 19, 20, 20, 22}},
         {"Fixed 46", "7C,7D,7S,2H,9C,KD", {83, 83, 83, 83, 83}},
         {"Fixed 45", "TC,2D,TS,TH,JC,QD", {36, 36, 36, 36, 36}},

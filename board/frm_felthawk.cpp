@@ -213,13 +213,20 @@ void frmFelthawk::BuildCompactView(QWidget* surface) {
         ITEMP[i]->SetPicture(mBlank);
         ITEMP[i]->hide();
     }
-    LBLSUG = MakeLabel(surface, QStringLiteral("LBLSUG"), QString(), 1440, 240, 2400,
-                       kTallLabelHeight, kYellowText, true);
+    // The advice takes two lines beside the cards, and the strength row
+    // sits below it: the longest advice is twice as wide as the room.
+    LBLSUG = MakeLabel(surface, QStringLiteral("LBLSUG"), QString(), 1440, kSmallAdviceTop,
+                       kSmallAdviceWidth, kSmallAdviceHeight, kYellowText, true);
+    QFont adviceFont = LBLSUG->font();
+    adviceFont.setPixelSize(kSmallAdvicePixels);
+    LBLSUG->setFont(adviceFont);
+    LBLSUG->setWordWrap(true);
+    LBLSUG->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     mCompactMeCaption = MakeLabel(surface, QStringLiteral("LBLPERCENT"), QStringLiteral("Me >> "),
-                                  1440, 510, 720, kLabelHeight, kWhiteText, true);
+                                  1440, kSmallMeTop, 720, kLabelHeight, kWhiteText, true);
     mCompactMeCaption->setProperty("index", 1);
-    LBLPERCENTSMALL = MakeLabel(surface, QStringLiteral("LBLPERCENTSMALL"), QString(), 2160, 510,
-                                900, kLabelHeight, kWhiteText, true);
+    LBLPERCENTSMALL = MakeLabel(surface, QStringLiteral("LBLPERCENTSMALL"), QString(), 2160,
+                                kSmallMeTop, 900, kLabelHeight, kWhiteText, true);
     for (QLabel* label : {LBLSUG, mCompactMeCaption, LBLPERCENTSMALL}) label->hide();
 }
 
@@ -237,18 +244,18 @@ void frmFelthawk::BuildResults(QWidget* surface) {
             MakeLabel(surface, QString::fromLatin1(kBlankedNames[row]), QStringLiteral("00 %"),
                       kBlankedLeft, kBlankedTop[row], kBlankedWidth, kLabelHeight, kRowColour(row));
     }
+    // Each caption reaches to the figure beside it.
     struct Fixed {
         int index;
         const char* caption;
-        int left;
+        int left, width;
     };
-    for (const Fixed& fixed :
-         {Fixed{11, "Win / Split", 495}, Fixed{10, "Me >> ", 1965}, Fixed{0, "Them >>", 3330}}) {
+    for (const Fixed& fixed : {Fixed{11, "Win / Split", 495, 1400}, Fixed{10, "Me >> ", 1965, 660},
+                               Fixed{0, "Them >>", 3330, 765}}) {
         QLabel* label =
             MakeLabel(surface, QStringLiteral("LBLPERCENT"), QString::fromLatin1(fixed.caption),
-                      fixed.left, kWinRowTop, 700, kLabelHeight, kYellowText, true);
+                      fixed.left, kWinRowTop, fixed.width, kLabelHeight, kYellowText, true);
         label->setProperty("index", fixed.index);
-        if (fixed.index == 11) label->resize(Px(1400), label->height());
     }
     l_Me = MakeLabel(surface, QStringLiteral("l_Me"), QStringLiteral("100 %"), 2625, kWinRowTop,
                      700, kLabelHeight, kWhiteText, true);

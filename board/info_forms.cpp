@@ -10,6 +10,8 @@
 namespace felthawk {
 namespace {
 
+constexpr int kAboutTextWidth = 400;
+
 // A label that starts a mail to its own text when clicked.
 class MailLabel : public QLabel {
   public:
@@ -72,7 +74,11 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent) {
     layout->addWidget(lblDescription_);
     layout->addWidget(label1_);
     layout->addWidget(cmdOK_, 0, Qt::AlignRight);
-    setFixedWidth(420);
+    // A wrapped text tells its height only for a given width: fix the width
+    // and ask, so that the form is as tall as the text at any font size.
+    lblDescription_->setFixedWidth(kAboutTextWidth);
+    lblDescription_->setMinimumHeight(lblDescription_->heightForWidth(kAboutTextWidth));
+    layout->setSizeConstraint(QLayout::SetFixedSize);
 }
 
 frmReq::frmReq(QWidget* parent) : QDialog(parent) {

@@ -56,12 +56,21 @@ constexpr std::array<int, kCellCount> kCellLeft{3900, 4200, 4215, 4537, 4859, 51
 constexpr std::array<int, kCellCount> kCellTop{4845, 4845, 5940, 5940, 5940, 5940, 5940};
 constexpr int kHoleCardGap = 300;  // IM(2) stands this far right of IM(1)
 
+// The frame drawn round the five community cards on the table picture.
+constexpr QRect kCommunityFrame{4140, 5865, 1710, 615};
+
 // The compact view's card images ITEMP(0)..ITEMP(6) and its backdrop.
 constexpr std::array<int, kCellCount> kTempLeft{3885, 4200, 5235, 5550, 5880, 6195, 6525};
 constexpr int kTempTop = 285;
 constexpr int kSmallWidth = 10080;
 constexpr int kSmallHeight = 990;
 constexpr int kSmallExtraHeight = 80;  // the compact window is the strip plus this
+// The strip's advice, two lines beside the cards, and its strength row.
+constexpr int kSmallAdviceTop = 150;
+constexpr int kSmallAdviceWidth = 2430;
+constexpr int kSmallAdviceHeight = 480;
+constexpr int kSmallAdvicePixels = 12;
+constexpr int kSmallMeTop = 660;
 
 // The results panel: one row per hand class.
 constexpr int kLabelHeight = 195;

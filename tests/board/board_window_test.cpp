@@ -149,6 +149,9 @@ TEST_F(BoardTest, TheWindowCallsItsServicesAndCaptureSwitchesTheLayoutBack) {
     form->ApplyCaptureMode();
     EXPECT_EQ(form->height(), Px(990 + 80));
     EXPECT_FALSE(form->menuBar()->isVisible());
+    QTest::qWait(50);
+    EXPECT_EQ(form->centralWidget()->mapTo(form.get(), QPoint(0, 0)), QPoint(0, 0))
+        << "the strip starts at the window's top";
     form->move(40, 400);
 
     QTest::mouseClick(imSp, Qt::LeftButton);

@@ -294,12 +294,28 @@ TEST(Program, TakesARiverHandTurnsSeeThroughAndShrinksToTheStripForCapture) {
         },
         30s))
         << "the board never became the strip";
-    std::this_thread::sleep_for(2500ms);  // one more pass fills the strip
-    shot = Screenshot(x, *window);
     EXPECT_EQ(shot.height(), Px(990 + 80));
-    EXPECT_TRUE(shot.save("felthawk-strip.png"));
+    // With the table gone the strip shows in full; a typed hand gives it the
+    // longest advice there is.
     table.kill();
     table.waitForFinished(5000);
+    xcb_set_input_focus(x, XCB_INPUT_FOCUS_POINTER_ROOT, *window, XCB_CURRENT_TIME);
+    xcb_flush(x);
+    std::this_thread::sleep_for(300ms);
+    for (xcb_keysym_t key : {'q', 'h', '9', 'c'}) TypeKey(x, key);
+    // Advice is pale yellow text beside the eye button.
+    const auto advice = [&] {
+        shot = Screenshot(x, *window);
+        for (int px = Px(1440); !shot.isNull() && px < Px(3885); ++px) {
+            for (int py = 0; py < shot.height(); ++py) {
+                const QColor c = shot.pixelColor(px, py);
+                if (c.red() > 200 && c.green() > 200 && c.blue() < 190) return true;
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(WaitFor(advice, 10s)) << "no advice on the strip";
+    EXPECT_TRUE(shot.save("felthawk-strip.png"));
 
     program.terminate();
     EXPECT_TRUE(program.waitForFinished(10000));

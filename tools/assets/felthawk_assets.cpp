@@ -17,6 +17,8 @@
 #include <QPainterPath>
 #include <QRadialGradient>
 
+#include "board/layout.h"
+
 namespace {
 
 constexpr int kCardW = 18;
@@ -158,10 +160,15 @@ QImage Table() {
         // The community card line.
         p.setPen(QPen(QColor(255, 255, 255, 45), 1));
         p.setBrush(Qt::NoBrush);
-        p.drawRoundedRect(QRectF(276, 391, 98, 41), 5, 5);
+        // Round all five cells, the river's included.
+        const QRect frame = felthawk::TwipRect(
+            felthawk::kCommunityFrame.left(), felthawk::kCommunityFrame.top(),
+            felthawk::kCommunityFrame.width(), felthawk::kCommunityFrame.height());
+        p.drawRoundedRect(QRectF(frame), 5, 5);
         p.setFont(Font(10, true));
         p.setPen(QColor(255, 255, 255, 60));
-        p.drawText(QRect(200, 436, 250, 16), Qt::AlignHCenter, QStringLiteral("FELTHAWK"));
+        p.drawText(QRect(frame.center().x() - 125, frame.bottom() + 5, 250, 16), Qt::AlignHCenter,
+                   QStringLiteral("FELTHAWK"));
         // Seat places.
         for (const QPoint& seat : kSeats) {
             p.setPen(QPen(QColor(0, 0, 0, 90), 1));

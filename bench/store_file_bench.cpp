@@ -54,7 +54,13 @@ void BM_ReadAfterAChange(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * state.range(0));
 }
 
-BENCHMARK(BM_SaveTenHands)->Arg(1 << 20)->Arg(1 << 23)->Arg(1 << 26)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SaveTenHands)
+    ->Arg(1 << 20)
+    ->Arg(1 << 23)
+    ->Arg(1 << 24)
+    ->Arg(1 << 25)
+    ->Arg(1 << 26)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ReadAfterAChange)
     ->Arg(1 << 20)
     ->Arg(1 << 23)

@@ -19,23 +19,30 @@ QByteArray SectionLine(const QString& section) {
     return '[' + section.toUtf8() + ']';
 }
 
-bool IsSectionLine(const QByteArray& line) {
+bool IsSectionLine(QByteArrayView line) {
     return line.trimmed().startsWith('[');
 }
 
 // The key of a "KEY=value" line, "" for any other line.
-QByteArray KeyOfLine(const QByteArray& line) {
-    const QByteArray trimmed = line.trimmed();
+QByteArrayView KeyOfLine(QByteArrayView line) {
+    const QByteArrayView trimmed = line.trimmed();
     if (trimmed.isEmpty() || trimmed.startsWith(';') || trimmed.startsWith('#')) return {};
-    const int equals = line.indexOf('=');
-    return equals < 0 ? QByteArray() : line.left(equals).trimmed();
+    const qsizetype equals = line.indexOf('=');
+    return equals < 0 ? QByteArrayView() : line.first(equals).trimmed();
 }
 
-QList<QByteArray> SplitLines(const QByteArray& text) {
-    QList<QByteArray> lines = text.split('\n');
-    if (!lines.isEmpty() && lines.back().isEmpty()) lines.removeLast();
-    for (QByteArray& line : lines) {
+// The lines of `text`, as views into it: a large file is not copied line
+// by line.
+QList<QByteArrayView> SplitLines(const QByteArray& text) {
+    QList<QByteArrayView> lines;
+    qsizetype start = 0;
+    while (start < text.size()) {
+        qsizetype end = text.indexOf('\n', start);
+        if (end < 0) end = text.size();
+        QByteArrayView line(text.constData() + start, end - start);
         if (line.endsWith('\r')) line.chop(1);
+        lines << line;
+        start = end + 1;
     }
     return lines;
 }
@@ -46,7 +53,7 @@ struct SectionRange {
     qsizetype end = 0;
 };
 
-SectionRange FindSection(const QList<QByteArray>& lines, const QString& section) {
+SectionRange FindSection(const QList<QByteArrayView>& lines, const QString& section) {
     const QByteArray header = SectionLine(section);
     SectionRange range;
     for (qsizetype i = 0; i < lines.size(); ++i) {
@@ -96,7 +103,7 @@ bool SameFile(const struct stat& a, const struct stat& b) {
 
 }  // namespace
 
-QString UnescapeStoreValue(const QByteArray& raw) {
+QString UnescapeStoreValue(QByteArrayView raw) {
     // Items are split at commas outside quotes, with blanks outside quotes
     // trimmed at both ends; a backslash escapes in and out of quotes.
     QStringList items;
@@ -232,13 +239,14 @@ std::optional<QString> ReadStoreText(const QString& path, const QString& section
         cache = ReadCache{path, section, identity, present, {}};
         QFile file(path);
         if (present && file.open(QIODevice::ReadOnly)) {
-            const QList<QByteArray> lines = SplitLines(file.readAll());
+            const QByteArray content = file.readAll();
+            const QList<QByteArrayView> lines = SplitLines(content);
             const SectionRange range = FindSection(lines, section);
             for (qsizetype i = range.header + 1; range.header >= 0 && i < range.end; ++i) {
-                const QByteArray name = KeyOfLine(lines[i]);
-                if (name.isEmpty() || cache.values.contains(QString::fromUtf8(name))) continue;
-                cache.values.insert(QString::fromUtf8(name),
-                                    UnescapeStoreValue(lines[i].mid(lines[i].indexOf('=') + 1)));
+                const QString name = QString::fromUtf8(KeyOfLine(lines[i]));
+                if (name.isEmpty() || cache.values.contains(name)) continue;
+                cache.values.insert(name,
+                                    UnescapeStoreValue(lines[i].sliced(lines[i].indexOf('=') + 1)));
             }
         }
     }
@@ -249,27 +257,26 @@ std::optional<QString> ReadStoreText(const QString& path, const QString& section
 
 QString WriteStoreFile(const QString& path, const QString& section,
                        const std::vector<StoreChange>& changes) {
-    QList<QByteArray> lines;
-    qsizetype oldSize = 0;
+    QByteArray content;
     QFile old(path);
     if (old.exists()) {
         if (!old.open(QIODevice::ReadOnly)) return WriteFailure(path);
-        const QByteArray content = old.readAll();
-        oldSize = content.size();
-        lines = SplitLines(content);
+        content = old.readAll();
     }
+    QList<QByteArrayView> lines = SplitLines(content);
+    const QByteArray header = SectionLine(section);
     SectionRange range = FindSection(lines, section);
     if (range.header < 0) {
         if (!lines.isEmpty() && !lines.back().trimmed().isEmpty()) lines << QByteArray();
         range.header = lines.size();
-        lines << SectionLine(section);
+        lines << header;
         range.end = lines.size();
     }
 
     // Where each key stands in the section, looked up once.
-    QHash<QByteArray, QList<qsizetype>> where;
+    QHash<QByteArrayView, QList<qsizetype>> where;
     for (qsizetype i = range.header + 1; i < range.end; ++i) {
-        const QByteArray name = KeyOfLine(lines[i]);
+        const QByteArrayView name = KeyOfLine(lines[i]);
         if (!name.isEmpty()) where[name] << i;
     }
     std::vector<bool> dropped(static_cast<size_t>(lines.size()), false);
@@ -279,7 +286,8 @@ QString WriteStoreFile(const QString& path, const QString& section,
         const QByteArray name = change.key.toUtf8();
         const QByteArray line =
             change.text ? name + '=' + EscapeStoreValue(*change.text) : QByteArray();
-        for (qsizetype i : where.value(name)) dropped[static_cast<size_t>(i)] = true;
+        for (qsizetype i : where.value(QByteArrayView(name)))
+            dropped[static_cast<size_t>(i)] = true;
         if (const auto at = addedAt.constFind(name); at != addedAt.constEnd()) {
             added[*at] = line;  // "" drops a line added by an earlier change
         } else if (change.text) {
@@ -289,8 +297,8 @@ QString WriteStoreFile(const QString& path, const QString& section,
     }
 
     QByteArray text;
-    text.reserve(oldSize + 1024);
-    auto append = [&text](const QByteArray& line) {
+    text.reserve(content.size() + 1024);
+    auto append = [&text](QByteArrayView line) {
         text += line;
         text += '\n';
     };

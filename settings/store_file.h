@@ -13,6 +13,7 @@
 #include <vector>
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 namespace felthawk {
@@ -37,7 +38,7 @@ QString WriteStoreFile(const QString& path, const QString& section,
 
 // A value as it stands after "=" in the file, and back. EscapeStoreValue
 // writes what QSettings reads as the same text.
-QString UnescapeStoreValue(const QByteArray& raw);
+QString UnescapeStoreValue(QByteArrayView raw);
 QByteArray EscapeStoreValue(const QString& text);
 
 }  // namespace felthawk

@@ -1,12 +1,13 @@
 # make run   installs what is missing, builds and starts the program
 # make test  installs what is missing, builds and runs every test
+# make package  builds the Debian package
 BUILD_DIR ?= build
 ASAN_DIR ?= build-asan
 FUZZ_DIR ?= build-fuzz
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 
-.PHONY: run test deps build bench format fuzz
+.PHONY: run test deps build package bench format fuzz
 
 deps:
 	@bash scripts/install-deps.sh
@@ -14,6 +15,9 @@ deps:
 build: deps
 	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build $(BUILD_DIR) -j $(JOBS)
+
+package: build
+	cmake --build $(BUILD_DIR) --target package
 
 run: build
 	@bash scripts/run.sh $(BUILD_DIR)

@@ -3,7 +3,6 @@
 #include <QCursor>
 #include <QEventLoop>
 #include <QGuiApplication>
-#include <QStandardPaths>
 #include <QTimer>
 #include <cctype>
 #include <chrono>
@@ -13,6 +12,7 @@
 
 #include "capture/client_layout.h"
 #include "capture/compare_files.h"
+#include "datafiles/data_folders.h"
 
 namespace felthawk {
 namespace {
@@ -67,13 +67,10 @@ std::filesystem::path PathOf(const QString& folder) {
 
 CaptureFolders DefaultCaptureFolders() {
     CaptureFolders folders;
-    folders.dataFolder = PathOf(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
-    for (const QString& folder :
-         QStandardPaths::standardLocations(QStandardPaths::AppDataLocation)) {
+    folders.dataFolder = PathOf(WritableDataFolder());
+    for (const QString& folder : ReadOnlyDataFolders()) {
         folders.templateFolders.push_back(PathOf(folder) / "Icons");
     }
-    folders.templateFolders.emplace_back(FELTHAWK_INSTALLED_ICONS_DIR);
-    folders.templateFolders.emplace_back(FELTHAWK_SOURCE_ICONS_DIR);
     return folders;
 }
 

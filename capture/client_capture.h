@@ -39,8 +39,7 @@ struct CaptureFolders {
     std::vector<std::filesystem::path> templateFolders;
 };
 
-// The per-user data folder, then the installed data folder, then the
-// templates of the source tree, for a program run from its build folder.
+// The per-user data folders, then the data folder installed with the program.
 CaptureFolders DefaultCaptureFolders();
 
 // The file name of the probe icon that each search writes; nothing reads it.

@@ -2,7 +2,8 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QStandardPaths>
+
+#include "datafiles/data_folders.h"
 
 namespace felthawk {
 
@@ -15,8 +16,8 @@ OnlineConfig OnlineConfig::FromEnvironment() {
     const QString fromEnvironment = qEnvironmentVariable("FELTHAWK_SERVER");
     config.server = NormalizeServer(
         fromEnvironment.isEmpty() ? QStringLiteral(FELTHAWK_SERVER_DEFAULT) : fromEnvironment);
-    config.programFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    config.dataFolders = {QStringLiteral(FELTHAWK_ONLINE_DATA_DIR)};
+    config.programFolder = WritableDataFolder();
+    config.dataFolders = ReadOnlyDataFolders();
     return config;
 }
 

@@ -84,9 +84,14 @@ int SaveCards(const QImage& picture, const TableLayout& layout, int previousSeat
     return 0;
 }
 
+// felthawk-table beside this program when installed, in its own folder of
+// the build otherwise, and from the PATH when neither is there.
 QString DefaultTablePath() {
-    const QString beside = QCoreApplication::applicationDirPath() + "/../table/felthawk-table";
-    return QFileInfo::exists(beside) ? beside : QString("felthawk-table");
+    const QString folder = QCoreApplication::applicationDirPath();
+    for (const QString& path : {folder + "/felthawk-table", folder + "/../table/felthawk-table"}) {
+        if (QFileInfo::exists(path)) return path;
+    }
+    return QStringLiteral("felthawk-table");
 }
 
 int MakeSetFromTable(XcbWindowSystem& windows, const QString& tablePath,

@@ -23,14 +23,15 @@ run: build
 	@bash scripts/run.sh $(BUILD_DIR)
 
 # Every test of the full build, then the engine's tests once more under
-# AddressSanitizer and UndefinedBehaviorSanitizer, then every fuzz target for
-# 20 s.
+# AddressSanitizer and UndefinedBehaviorSanitizer, less the exhaustive
+# seven-card count, which would take minutes there, then every fuzz target
+# for 20 s.
 test: build
 	ctest --test-dir $(BUILD_DIR) --output-on-failure -j $(JOBS)
 	cmake -S . -B $(ASAN_DIR) -DCMAKE_BUILD_TYPE=Debug -DFELTHAWK_ENGINE_ONLY=ON \
 	    -DFELTHAWK_SANITIZE=ON
 	cmake --build $(ASAN_DIR) -j $(JOBS)
-	ctest --test-dir $(ASAN_DIR) --output-on-failure -j $(JOBS)
+	ctest --test-dir $(ASAN_DIR) --output-on-failure -j $(JOBS) -LE exhaustive
 	$(MAKE) fuzz FUZZ_SECONDS=20
 
 # The fuzz targets of tests/fuzz, built by clang, each run for FUZZ_SECONDS.
@@ -45,6 +46,7 @@ bench: build
 	$(BUILD_DIR)/bench/felthawk_capture_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
 	$(BUILD_DIR)/bench/felthawk_store_bench --benchmark_repetitions=3 --benchmark_report_aggregates_only=true
 	bash bench/calc_batch_bench.sh $(BUILD_DIR)
+	bash bench/equity_bench.sh $(BUILD_DIR)
 
 format:
 	find . -path ./build\* -prune -o \( -name '*.cpp' -o -name '*.h' \) -print | xargs clang-format -i

@@ -45,23 +45,21 @@ class BoardWalk {
         : players_(players), toCome_(spot.cardsToCome) {
         Hand board;
         CardMask dead = spot.known;
-        std::array<int, kSuitCount> boardSuits{};
         for (Card c : spot.board) {
             board += Hand::Of(c);
-            ++boardSuits[SuitOf(c)];
+            ++boardSuits_[SuitOf(c)];
         }
         std::array<int, kSuitCount> mostHeld{};
         for (int p = 0; p < players; ++p) {
-            std::array<int, kSuitCount> held{};
             made_[p] = board + Hand::Of(holes[p][0]) + Hand::Of(holes[p][1]);
             for (Card c : holes[p]) {
                 dead |= Bit(c);
-                ++held[SuitOf(c)];
+                ++held_[p][SuitOf(c)];
             }
-            for (int s = 0; s < kSuitCount; ++s) mostHeld[s] = std::max(mostHeld[s], held[s]);
+            for (int s = 0; s < kSuitCount; ++s) mostHeld[s] = std::max(mostHeld[s], held_[p][s]);
         }
         for (int s = 0; s < kSuitCount; ++s) {
-            fewestNew_[s] = std::max(0, 5 - boardSuits[s] - mostHeld[s]);
+            fewestNew_[s] = std::max(0, 5 - boardSuits_[s] - mostHeld[s]);
         }
         for (Card c = 0; c < kDeckSize; ++c) {
             if (!(dead & Bit(c))) ++live_[RankOf(c)];
@@ -114,15 +112,22 @@ class BoardWalk {
                 --otherSuits[r];
             }
         }
-        auto leaf = [&](Hand suited) {
-            return [&, suited](uint32_t key, int64_t weight) {
+        // Only players who can reach five of the suit may score otherwise than by ranks.
+        auto leaf = [&](Hand suited, int m) {
+            std::array<bool, kMaxPlayers> canFlush{};
+            for (int p = 0; p < players_; ++p)
+                canFlush[p] = held_[p][suit] + boardSuits_[suit] + m >= 5;
+            return [&, suited, canFlush](uint32_t key, int64_t weight) {
                 HandValue exact[kMaxPlayers] = {};
                 HandValue byRanks[kMaxPlayers] = {};
+                bool differs = false;
                 for (int p = 0; p < players_; ++p) {
                     const Hand all = made_[p] + suited + Hand{key, 0};
-                    exact[p] = Evaluate(all);
                     byRanks[p] = EvaluateRanks(all.RankKey());
+                    exact[p] = canFlush[p] ? Evaluate(all) : byRanks[p];
+                    differs |= exact[p] != byRanks[p];
                 }
+                if (!differs) return;
                 Score(exact, players_, weight, tally);
                 Score(byRanks, players_, -weight, tally);
             };
@@ -130,7 +135,7 @@ class BoardWalk {
         const int most = std::min<int>(toCome_, static_cast<int>(suitRanks.size()));
         for (int m = fewestNew_[suit]; m <= most; ++m) {
             ForEachSubset(suitRanks, 0, m, suit, Hand{}, [&](Hand suited) {
-                WalkRanks(kRankCount - 1, toCome_ - m, 0, 1, otherSuits, leaf(suited));
+                WalkRanks(kRankCount - 1, toCome_ - m, 0, 1, otherSuits, leaf(suited, m));
             });
         }
     }
@@ -152,6 +157,8 @@ class BoardWalk {
     int toCome_;
     CardMask dead_ = 0;
     std::array<Hand, kMaxPlayers> made_{};
+    std::array<std::array<int, kSuitCount>, kMaxPlayers> held_{};  // hole cards by suit
+    std::array<int, kSuitCount> boardSuits_{};
     std::array<int, kSuitCount> fewestNew_{};
     std::array<int, kRankCount> live_{};
 };

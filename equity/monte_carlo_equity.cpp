@@ -131,6 +131,7 @@ class Sampler {
         Generator g(seed);
         Stats stats;
         std::array<Card, kDeckSize> deck{};
+        int n = 0;  // cards in the deck
         HandValue values[kMaxPlayers] = {};
         std::array<Hand, kMaxPlayers> hands{};
         const int players = static_cast<int>(spot_.ranges.size()) + 1;
@@ -149,15 +150,19 @@ class Sampler {
                 }
             } while (p != static_cast<int>(ranged_.size()) + 1);
 
-            int n = 0;
-            for (Card c = 0; c < kDeckSize; ++c) {
-                if (!(used & Bit(c))) deck[n++] = c;
+            // Without ranged opponents the deck stays the same set of cards
+            // from deal to deal; a partial shuffle draws from any order of it.
+            if (!ranged_.empty() || n == 0) {
+                n = 0;
+                for (Card c = 0; c < kDeckSize; ++c) {
+                    if (!(used & Bit(c))) deck[n++] = c;
+                }
             }
+            int drawn = 0;
             auto take = [&] {
-                const uint32_t j = g.Below(static_cast<uint32_t>(n));
-                const Card c = deck[j];
-                deck[j] = deck[--n];
-                return c;
+                const uint32_t j = drawn + g.Below(static_cast<uint32_t>(n - drawn));
+                std::swap(deck[drawn], deck[j]);
+                return deck[drawn++];
             };
             for (int d = 0; d < dealtFromDeck_; ++d, ++p) {
                 const Card a = take();

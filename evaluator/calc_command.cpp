@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "evaluator/equity_report.h"
 #include "evaluator/evaluation.h"
 
 namespace felthawk {
@@ -15,7 +16,9 @@ constexpr int kExitBadInput = 2;
 
 constexpr std::string_view kUsage =
     "usage: felthawk-calc --cells \"AS,KS,,,,,\" [--seats MHHHHHHHHH] [--pretty] [--explain]\n"
-    "       felthawk-calc --batch [--explain] [--pretty]   (one \"<cells> <seats>\" per line)\n";
+    "       felthawk-calc --batch [--explain] [--pretty]   (one \"<cells> <seats>\" per line)\n"
+    "       either with --equity [--range SEAT=RANGE]... [--ranges \"R1;R2;...\"]\n"
+    "                            [--equity-target PERCENT]\n";
 
 bool WriteAll(int fd, std::string_view text) {
     while (!text.empty()) {
@@ -36,6 +39,7 @@ struct Options {
     bool haveCells = false;
     std::string cells;
     std::string seats{kDefaultSeats};
+    EquityOptions equity;
 };
 
 bool ParseOptions(int argc, char** argv, Options& options, std::string& error) {
@@ -60,6 +64,8 @@ bool ParseOptions(int argc, char** argv, Options& options, std::string& error) {
             options.haveCells = true;
         } else if (arg == "--seats") {
             if (!value(options.seats)) return false;
+        } else if (TakeEquityArgument(argc, argv, i, options.equity, error)) {
+            if (!error.empty()) return false;
         } else {
             error = "unknown argument " + std::string(arg);
             return false;
@@ -69,18 +75,27 @@ bool ParseOptions(int argc, char** argv, Options& options, std::string& error) {
         error = "--cells is needed unless --batch is given";
         return false;
     }
-    return true;
+    return CheckEquityOptions(options.equity, error);
 }
 
-void AppendResult(std::string& out, const Options& options, Evaluator& evaluator,
-                  const TableInput& table) {
+// Appends the table's answer; false, with nothing appended, when its equity
+// cannot be had.
+bool AppendResult(std::string& out, const Options& options, Evaluator& evaluator,
+                  const TableInput& table, std::string& error) {
+    std::optional<equity::EquityResult> equity;
+    if (options.equity.enabled && !(equity = TableEquity(table, options.equity, error))) {
+        return false;
+    }
     const Evaluation& result = evaluator.Evaluate(table);
     if (options.pretty) {
         out += PrettyPanel(table, result, options.explain);
+        if (equity) out += EquityPanelLine(*equity);
     } else {
         AppendJson(out, table, result, options.explain);
+        if (equity) AppendEquityJson(out, *equity);
         out += '\n';
     }
+    return true;
 }
 
 int RunBatch(const Options& options, int inputFd, int outputFd) {
@@ -90,9 +105,8 @@ int RunBatch(const Options& options, int inputFd, int outputFd) {
     char buffer[1 << 16];
     auto answerLine = [&](std::string_view line) {
         std::string error;
-        if (auto table = ParseBatchLine(line, error)) {
-            AppendResult(out, options, evaluator, *table);
-        } else {
+        auto table = ParseBatchLine(line, error);
+        if (!table || !AppendResult(out, options, evaluator, *table, error)) {
             AppendErrorJson(out, error);
             out += '\n';
         }
@@ -137,7 +151,10 @@ int RunCalcCommand(int argc, char** argv, int inputFd, int outputFd, int errorFd
     }
     Evaluator evaluator(options.explain);
     std::string out;
-    AppendResult(out, options, evaluator, *table);
+    if (!AppendResult(out, options, evaluator, *table, error)) {
+        WriteAll(errorFd, "felthawk-calc: " + error + "\n");
+        return kExitBadInput;
+    }
     return WriteAll(outputFd, out) ? 0 : 1;
 }
 

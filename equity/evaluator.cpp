@@ -32,16 +32,24 @@ int StraightTop(uint32_t rankBits) {
     return -1;
 }
 
+// Up to seven ranks, highest first.
+struct RankList {
+    std::array<int, 7> ranks{};
+    int size = 0;
+
+    int operator[](int i) const { return ranks[i]; }
+    bool empty() const { return size == 0; }
+};
+
 // The ranks present with at least `minCount` cards, highest first, skipping
 // the ranks in `skip`.
-std::vector<int> RanksWith(const RankCounts& counts, int minCount,
-                           std::initializer_list<int> skip = {}) {
-    std::vector<int> ranks;
+RankList RanksWith(const RankCounts& counts, int minCount, std::initializer_list<int> skip = {}) {
+    RankList list;
     for (int rank = kRankCount - 1; rank >= 0; --rank) {
         if (counts[rank] >= minCount && std::find(skip.begin(), skip.end(), rank) == skip.end())
-            ranks.push_back(rank);
+            list.ranks[list.size++] = rank;
     }
-    return ranks;
+    return list;
 }
 
 // The best five-card hand that five to seven cards of these ranks make when
@@ -67,12 +75,12 @@ uint32_t RawFromRanks(const RankCounts& counts) {
         return RawValue(Category::kThreeOfAKind, {trips[0], kickers[0], kickers[1]});
     }
     const auto pairs = RanksWith(counts, 2);
-    if (pairs.size() >= 2) {
+    if (pairs.size >= 2) {
         const auto kicker = RanksWith(counts, 1, {pairs[0], pairs[1]});
         return RawValue(Category::kTwoPair, {pairs[0], pairs[1], kicker[0]});
     }
     const auto singles = RanksWith(counts, 1);
-    if (pairs.size() == 1) {
+    if (pairs.size == 1) {
         const auto kickers = RanksWith(counts, 1, {pairs[0]});
         return RawValue(Category::kPair, {pairs[0], kickers[0], kickers[1], kickers[2]});
     }
@@ -85,9 +93,9 @@ uint32_t RawFromFlush(uint32_t suitRanks) {
     if (const int top = StraightTop(suitRanks); top >= 0) {
         return RawValue(Category::kStraightFlush, {top});
     }
-    std::vector<int> top5;
-    for (int rank = kRankCount - 1; rank >= 0 && top5.size() < 5; --rank) {
-        if (suitRanks >> rank & 1u) top5.push_back(rank);
+    RankList top5;
+    for (int rank = kRankCount - 1; rank >= 0 && top5.size < 5; --rank) {
+        if (suitRanks >> rank & 1u) top5.ranks[top5.size++] = rank;
     }
     return RawValue(Category::kFlush, {top5[0], top5[1], top5[2], top5[3], top5[4]});
 }

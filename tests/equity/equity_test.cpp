@@ -154,7 +154,7 @@ TEST(Equity, MonteCarloLandsNearTheExactFigure) {
     };
     const Row rows[] = {
         {0, {"QQ+,AKs"}},
-        {0, {"T9s-54s", "22+:0.5"}},
+        {0, {"T9s-54s", "AA:0.5,KK"}},
         {3, {"random"}},
         {3, {"random", "QQ+,AKs"}},
         {4, {"random", "QQ+,AKs"}},

@@ -13,6 +13,7 @@
 #include <QTextBrowser>
 #include <QTimer>
 
+#include "board/equity_line.h"
 #include "board/frm_splash.h"
 #include "board/gauge_line.h"
 #include "board/info_forms.h"
@@ -165,6 +166,7 @@ frmFelthawk::frmFelthawk(const BoardServices& services, IDialogs& dialogs, QWidg
     BuildButtons(surface);
     l_Temp = new GaugeLine(surface, kGaugeX1, kGaugeY1, kGaugeX1 + static_cast<int>(kGaugeLength),
                            kGaugeY2, kGaugeWidth);
+    mEquity = new EquityLine(surface, l_Me, this);
     BuildMenus();
     BuildSeatMenu();
 
@@ -462,6 +464,12 @@ void frmFelthawk::BuildSeatMenu() {
     mnuMain->addSeparator()->setObjectName(QStringLiteral("mnuSep1"));
     mnuDealer = item("mnuDealer", QStringLiteral("Dealer"), [this] { MenuDealer(); });
     mnuMe = item("mnuMe", QStringLiteral("Me"), [this] { MenuMe(); });
+    mnuRange = mnuMain->addAction(QStringLiteral("Range\u2026"));
+    mnuRange->setObjectName(QStringLiteral("mnuRange"));
+    connect(mnuRange, &QAction::triggered, this, [this] {
+        mEquity->AskRange(mDialogs, this, mMenuSeat);
+        DrawSeats();
+    });
 }
 
 // ---- Start and end ------------------------------------------------------
@@ -580,6 +588,7 @@ void frmFelthawk::ApplyCaptureMode() {
     for (QMenu* menu : {mnuFile, mnuSettings, mnuHelp}) menu->menuAction()->setVisible(!on);
     menuBar()->setVisible(!on);
     for (QLabel* label : {LBLSUG, LBLPERCENTSMALL, mCompactMeCaption}) label->setVisible(on);
+    mEquity->SetCompact(on);
     for (PictureBox* image : ITEMP) image->setVisible(on);
     int clientHeight = 0;
     if (!on) {
@@ -611,6 +620,9 @@ void frmFelthawk::ApplyCaptureMode() {
 
 void frmFelthawk::RecalculateHand() {
     Render(felthawk::RecalculateHand(mState, mCards));
+    std::array<char, kSeatCount> seats;
+    for (int i = 0; i < kSeatCount; ++i) seats[i] = mState.gSeats[i];
+    mEquity->Restart(mCards, seats);
 }
 
 void frmFelthawk::Render(const DisplayModel& display) {
@@ -630,6 +642,7 @@ void frmFelthawk::ClearLabels() {
     SetSuggestionCaption(QString());
     lbl_CardType->clear();
     SetGaugeEnd(kGaugeX1);
+    mEquity->Clear();
 }
 
 void frmFelthawk::ClearWinSplit() {
@@ -912,7 +925,9 @@ void frmFelthawk::DrawSeats() {
             io[k]->move(Px(place.anchorX), Px(place.anchorY));
             io[k]->SetPicture(picture);
             io[k]->setProperty("Tag", QStringLiteral("%1,%2").arg(QChar(state)).arg(i));
-            io[k]->setToolTip(QStringLiteral("Seat %1").arg(i + 1));
+            const QString range = mEquity->RangeTip(i);
+            io[k]->setToolTip(QStringLiteral("Seat %1").arg(i + 1) +
+                              (range.isEmpty() ? QString() : QStringLiteral("\n") + range));
             ++k;
         }
     }
@@ -973,7 +988,7 @@ void frmFelthawk::NextHand() {
 
 void frmFelthawk::PrepareSeatMenu(const QString& tag) {
     const QStringList parts = tag.split(QLatin1Char(','));
-    for (QAction* act : {mnuIn, mnuFold, mnuEmpty, mnuDealer, mnuMe}) {
+    for (QAction* act : {mnuIn, mnuFold, mnuEmpty, mnuDealer, mnuMe, mnuRange}) {
         act->setChecked(false);
         act->setEnabled(true);
     }
@@ -1003,7 +1018,7 @@ void frmFelthawk::SeatMouseDown(int n, int button) {
 void frmFelthawk::MeMouseDown(int button) {
     if (LogicalButton(button) != kRightButton) return;
     // The user's own seat can only be made the dealer from here.
-    for (QAction* act : {mnuIn, mnuMe, mnuFold, mnuEmpty}) act->setEnabled(false);
+    for (QAction* act : {mnuIn, mnuMe, mnuFold, mnuEmpty, mnuRange}) act->setEnabled(false);
     mnuDealer->setEnabled(true);
     for (int i = 0; i < kSeatCount; ++i) {
         if (mState.gSeats[i] == kSeatMe) mMenuSeat = static_cast<int16_t>(i);

@@ -39,6 +39,7 @@ class QTimer;
 
 namespace felthawk {
 
+class EquityLine;
 class GaugeLine;
 class IDialogs;
 
@@ -158,6 +159,8 @@ class frmFelthawk : public QMainWindow {
     clsAlpha* Alpha() const { return mAlpha.get(); }
     // The red gauge l_Temp.
     const GaugeLine* Gauge() const { return l_Temp; }
+    // The true equity against the live seats, and the seats' ranges.
+    EquityLine* Equity() const { return mEquity; }
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -265,6 +268,7 @@ class frmFelthawk : public QMainWindow {
     QLabel* LBLPERCENTSMALL = nullptr;
     QLabel* mCompactMeCaption = nullptr;  // LBLPERCENT(1)
     GaugeLine* l_Temp = nullptr;
+    EquityLine* mEquity = nullptr;
 
     PictureBox* Image1 = nullptr;
     PictureBox* Image2 = nullptr;
@@ -284,6 +288,7 @@ class frmFelthawk : public QMainWindow {
     QAction* mnuEmpty = nullptr;
     QAction* mnuDealer = nullptr;
     QAction* mnuMe = nullptr;
+    QAction* mnuRange = nullptr;
     QMenu* mnuFile = nullptr;
     QMenu* mnuSettings = nullptr;
     QMenu* mnuHelp = nullptr;

@@ -17,12 +17,18 @@ EquityRequest TableRequest(const std::array<std::string, kTableCells>& cells,
         }
     }
     if (cells[0].empty() || cells[1].empty()) throw EquityError("equity needs your two cards");
+    CardMask known = Bit(request.hero[0]) | Bit(request.hero[1]);
+    for (Card c : request.board) known |= Bit(c);
     for (int seat = 0; seat < kTableSeats; ++seat) {
         if (seats[seat] != 'H') continue;
+        const std::string name = "seat " + std::to_string(seat + 1);
         try {
             request.opponents.push_back(ParseRange(ranges[seat].empty() ? "random" : ranges[seat]));
         } catch (const EquityError& e) {
-            throw EquityError("seat " + std::to_string(seat + 1) + ": " + e.what());
+            throw EquityError(name + ": " + e.what());
+        }
+        if (WithoutCards(request.opponents.back(), known).empty()) {
+            throw EquityError(name + "'s range has no hand left beside the known cards");
         }
     }
     if (request.opponents.empty()) throw EquityError("no seat is in the hand (\"H\")");

@@ -21,6 +21,8 @@ class BenchBoard : public ICaptureBoard {
     WindowId OwnWindow() override { return 0; }
     void EnterCompactView() override {}
     void ClearCards() override {}
+    int StripHeight() override { return 0; }
+    void ShowStripNote(const std::string&) override {}
     int PreviousSeat() override { return 9; }
     void ShowCapturedCards(const TextCells& cells) override { last = cells; }
     void StopCapture(const std::string& message) override { stopped = message; }

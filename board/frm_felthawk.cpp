@@ -229,7 +229,14 @@ void frmFelthawk::BuildCompactView(QWidget* surface) {
     mCompactMeCaption->setProperty("index", 1);
     LBLPERCENTSMALL = MakeLabel(surface, QStringLiteral("LBLPERCENTSMALL"), QString(), 2160,
                                 kSmallMeTop, 900, kLabelHeight, kWhiteText, true);
-    for (QLabel* label : {LBLSUG, mCompactMeCaption, LBLPERCENTSMALL}) label->hide();
+    // Capture's own line runs along the foot of the strip, clear of the
+    // advice; the caption carries it too.
+    mCaptureNote = MakeLabel(surface, QStringLiteral("lblCaptureNote"), QString(), 1440, 870,
+                             8160, kLabelHeight, kYellowText, true);
+    mCaptureNote->setTextFormat(Qt::PlainText);
+    for (QLabel* label : {LBLSUG, mCompactMeCaption, LBLPERCENTSMALL, mCaptureNote}) {
+        label->hide();
+    }
 }
 
 void frmFelthawk::BuildResults(QWidget* surface) {
@@ -577,10 +584,20 @@ void frmFelthawk::ToggleCapture() {
         mCaptureOn = false;
         ApplyCaptureMode();
     } else {
-        // The window keeps its shape until a pass finds the poker client.
+        // The window keeps its shape until a pass finds the poker client;
+        // meanwhile the switch shows that capture is armed and looking.
         tmr_Read->start();
         mCaptureOn = true;
+        imSp->SetPicture(mCaptureOnPicture);
+        imSp->setToolTip(
+            QStringLiteral("Looking for a window whose title holds \"Hold'em\"; click to cancel"));
     }
+}
+
+void frmFelthawk::ShowCaptureNote(const QString& note) {
+    mCaptureNote->setText(note);
+    mCaptureNote->setToolTip(note);
+    mCaptureNote->setVisible(mCaptureOn && !note.isEmpty());
 }
 
 void frmFelthawk::ApplyCaptureMode() {
@@ -589,6 +606,7 @@ void frmFelthawk::ApplyCaptureMode() {
     menuBar()->setVisible(!on);
     for (QLabel* label : {LBLSUG, LBLPERCENTSMALL, mCompactMeCaption}) label->setVisible(on);
     mEquity->SetCompact(on);
+    mCaptureNote->setVisible(on && !mCaptureNote->text().isEmpty());
     for (PictureBox* image : ITEMP) image->setVisible(on);
     int clientHeight = 0;
     if (!on) {

@@ -123,6 +123,8 @@ class frmFelthawk : public QMainWindow {
     void ApplyCaptureMode();
     // tmr_Read: one capture pass every 2000 ms while capture is on.
     QTimer* ReadTimer() const { return tmr_Read; }
+    // A line of capture's own along the top of the strip; "" takes it away.
+    void ShowCaptureNote(const QString& note);
 
     // ---- Seats and dealer -------------------------------------------------
 
@@ -267,6 +269,7 @@ class frmFelthawk : public QMainWindow {
     QLabel* LBLSUG = nullptr;
     QLabel* LBLPERCENTSMALL = nullptr;
     QLabel* mCompactMeCaption = nullptr;  // LBLPERCENT(1)
+    QLabel* mCaptureNote = nullptr;
     GaugeLine* l_Temp = nullptr;
     EquityLine* mEquity = nullptr;
 

@@ -23,6 +23,10 @@ class BoardForCapture : public ICaptureBoard {
         board_.mCaptureOn = true;
         board_.ApplyCaptureMode();
     }
+    int StripHeight() override { return board_.height(); }
+    void ShowStripNote(const std::string& note) override {
+        board_.ShowCaptureNote(QString::fromStdString(note));
+    }
     void ClearCards() override { board_.ClearCards(); }
     int PreviousSeat() override { return board_.mPreviousSeat; }
     void ShowCapturedCards(const TextCells& cells) override {

@@ -4,23 +4,25 @@
 #include <QEventLoop>
 #include <QGuiApplication>
 #include <QTimer>
+#include <algorithm>
 #include <cctype>
 #include <chrono>
 #include <cmath>
-#include <fstream>
 #include <thread>
 
-#include "capture/client_layout.h"
 #include "capture/compare_files.h"
 #include "datafiles/data_folders.h"
 
 namespace felthawk {
 namespace {
 
-// The own strip never docks higher than this, so the client has room above.
-constexpr int kLowestStripTop = 90;
 // After raising the client, give it a moment to show before reading it.
 constexpr int kRaiseWaitMs = 10;
+// A window manager activates the raised client in its own time; when it
+// has not done so after the moment above, the pass waits on, this long at
+// most, rather than read another window.
+constexpr auto kActivationWait = std::chrono::milliseconds(100);
+constexpr int kActivationPollMs = 1;
 
 void ProcessPendingEvents() {
     if (QCoreApplication::instance() != nullptr) QCoreApplication::processEvents();
@@ -109,13 +111,35 @@ bool TitleNamesClient(std::string_view title) {
     return false;
 }
 
-QImage CropToPictureBox(const QImage& screenshot, int cell, int previousSeat) {
+DockPlaces DockPlacesFor(const WindowRect& stripFrame, const WindowRect& clientFrame,
+                         const WindowRect& screen) {
+    DockPlaces places;
+    const int lowestTop = std::max(screen.top + kLowestStripTop, screen.top + clientFrame.height);
+    places.strip = {stripFrame.left, std::max(stripFrame.top, lowestTop)};
+    // Centred; halves round to even.
+    const double left = stripFrame.left + stripFrame.width / 2.0 - clientFrame.width / 2.0;
+    places.client = {static_cast<int>(std::nearbyint(left)), places.strip.y - clientFrame.height};
+    // Where the client would reach past a side of the screen, both move
+    // sideways; a client wider than the screen keeps its left edge on it.
+    const int right = screen.left + screen.width;
+    int shift = 0;
+    if (places.client.x + clientFrame.width > right) {
+        shift = right - (places.client.x + clientFrame.width);
+    }
+    if (places.client.x + shift < screen.left) shift = screen.left - places.client.x;
+    places.strip.x += shift;
+    places.client.x += shift;
+    places.stripBelowScreen = places.strip.y + stripFrame.height > screen.top + screen.height;
+    return places;
+}
+
+QImage CropToPictureBox(const ContentGrab& content, int cell, int previousSeat) {
     QImage box = BlankPictureBox();
     const PixelPoint origin = CropOrigin(cell, previousSeat);
     for (int y = 0; y < kCropHeight; ++y) {
         for (int x = 0; x < kCropWidth; ++x) {
-            if (screenshot.valid(origin.x + x, origin.y + y)) {
-                box.setPixel(x, y, screenshot.pixel(origin.x + x, origin.y + y));
+            if (const std::optional<uint32_t> colour = content.Pixel(origin.x + x, origin.y + y)) {
+                box.setPixel(x, y, *colour | 0xFF000000u);
             }
         }
     }
@@ -157,6 +181,11 @@ void ClientCapture::ReadClientCards(ICaptureBoard& board) {
         ~Done() { flag = false; }
     } done{passRunning_};
 
+    const std::string unreadable = windows_.ScreenUnreadable();
+    if (!unreadable.empty()) {
+        board.StopCapture(unreadable);
+        return;
+    }
     DeleteCardFiles();
     FindClient(board, 0);
     board.ClearCards();  // every pass starts from an empty board, found or not
@@ -231,18 +260,25 @@ void ClientCapture::FindWindowLike(std::vector<WindowId>& hWndArray, WindowId hW
 
 void ClientCapture::DockClient(WindowId clientWnd, WindowId ownWnd, ICaptureBoard& board) {
     board.EnterCompactView();
-    std::optional<WindowRect> own = windows_.GetWindowRect(ownWnd);
+    const std::optional<WindowRect> own = windows_.GetWindowRect(ownWnd);
     const std::optional<WindowRect> client = windows_.GetWindowRect(clientWnd);
     if (!own || !client) return;
-    if (own->top < kLowestStripTop) {
-        windows_.MoveWindow(ownWnd, {own->left, kLowestStripTop, own->width, own->height});
-        own = windows_.GetWindowRect(ownWnd);
-        if (!own) return;
+    const WindowRect strip = FrameRect({own->left, own->top, own->width, board.StripHeight()},
+                                       windows_.GetFrameExtents(ownWnd));
+    const WindowRect table = FrameRect(*client, windows_.GetFrameExtents(clientWnd));
+    const DockPlaces places = DockPlacesFor(strip, table, windows_.Screen());
+    // A window that stands where it should is left alone: no request, and
+    // nothing for a window manager to do on every pass.
+    if (places.strip != PixelPoint{strip.left, strip.top}) {
+        windows_.MoveFrame(ownWnd, places.strip.x, places.strip.y);
     }
-    // Centred directly above the strip; halves round to even.
-    const double left = own->left + own->width / 2.0 - client->width / 2.0;
-    windows_.MoveWindow(clientWnd, {static_cast<int>(std::nearbyint(left)),
-                                    own->top - client->height, client->width, client->height});
+    if (places.client != PixelPoint{table.left, table.top}) {
+        windows_.MoveFrame(clientWnd, places.client.x, places.client.y);
+    }
+    if (places.stripBelowScreen != stripBelowNoted_) {
+        stripBelowNoted_ = places.stripBelowScreen;
+        board.ShowStripNote(stripBelowNoted_ ? std::string(kStripBelowScreenNote) : std::string());
+    }
 }
 
 void ClientCapture::BringClientForward(ICaptureBoard& board) {
@@ -251,19 +287,27 @@ void ClientCapture::BringClientForward(ICaptureBoard& board) {
         windows_.SetShowCommand(mClientWnd, kShowNormal);
     }
     windows_.BringWindowToTop(mClientWnd);
+    const auto start = std::chrono::steady_clock::now();
     WaitProcessingEvents(kRaiseWaitMs);
+    while (windows_.ForegroundWindow() != mClientWnd &&
+           std::chrono::steady_clock::now() - start < kActivationWait) {
+        WaitProcessingEvents(kActivationPollMs);
+    }
+    raiseWait_ = std::chrono::steady_clock::now() - start;
+    // The one reading of the screen that the pass crops all its cards from.
+    picture1_ = windows_.GrabContent(windows_.ForegroundWindow());
     CaptureCardImage(board.PreviousSeat());
 }
 
 QImage ClientCapture::CaptureCell(int cell, int previousSeat) {
     // The foreground window as it is: after the raise that is the client,
     // but the pass does not insist.
-    const QImage screenshot = windows_.CaptureWindow(windows_.ForegroundWindow());
-    return CropToPictureBox(screenshot, cell, previousSeat);
+    return CropToPictureBox(windows_.GrabContent(windows_.ForegroundWindow()), cell, previousSeat);
 }
 
 void ClientCapture::CaptureCardImage(int previousSeat) {
-    pictureBox_ = CaptureCell(mHoleMode ? mHoleCardIndex : mBoardCardIndex + 2, previousSeat);
+    pictureBox_ = CropToPictureBox(picture1_, mHoleMode ? mHoleCardIndex : mBoardCardIndex + 2,
+                                   previousSeat);
 }
 
 void ClientCapture::SaveProbeIcon() {
@@ -301,46 +345,20 @@ std::filesystem::path ClientCapture::TemplateFolder() const {
     return folders_.dataFolder / "Icons";
 }
 
-std::string ClientCapture::RecogniseFile(const std::filesystem::path& file,
-                                         const std::filesystem::path& templates,
-                                         std::filesystem::path& unreadable) const {
-    for (int i = 0; i < kTemplateCount; ++i) {
-        const std::string card = TemplateCard(i);
-        const FileComparison comparison = compare_files(file, templates / TemplateFileName(card));
-        if (!comparison.unreadable.empty()) {
-            // A capture file that went away leaves its cell empty; a
-            // template that cannot be read is the user's to repair.
-            if (comparison.unreadable != file) unreadable = comparison.unreadable;
-            return {};
-        }
-        if (comparison.identical) return card;
-    }
-    return {};
-}
-
 bool ClientCapture::RecogniseCards(ICaptureBoard& board, TextCells& cells) {
-    const std::filesystem::path templates = TemplateFolder();
     // The whole set is checked first, so that an incomplete folder is named
     // on every pass, whatever the cards on the table.
-    for (int i = 0; i < kTemplateCount; ++i) {
-        const std::filesystem::path file = templates / TemplateFileName(TemplateCard(i));
-        std::error_code error;
-        if (!std::filesystem::is_regular_file(file, error) || !std::ifstream(file)) {
-            board.StopCapture("Card template missing or unreadable: " + file.string());
-            return false;
-        }
+    std::filesystem::path unreadable;
+    if (!templates_.Refresh(TemplateFolder(), unreadable)) {
+        board.StopCapture("Card template missing or unreadable: " + unreadable.string());
+        return false;
     }
     for (int n = 0; n < kSlotCount; ++n) {
         const int cell = n < 5 ? n + 2 : n - 5;  // t1..t5 the board, t6 and t7 the hole
-        const std::filesystem::path file = folders_.dataFolder / CaptureFileName(cell);
-        std::error_code ignored;
-        if (!std::filesystem::exists(file, ignored)) continue;
-        std::filesystem::path unreadable;
-        cells[cell] = RecogniseFile(file, templates, unreadable);
-        if (!unreadable.empty()) {
-            board.StopCapture("Card template missing or unreadable: " + unreadable.string());
-            return false;
-        }
+        // A capture file that went away leaves its cell empty.
+        const std::optional<std::string> joined =
+            ReadJoinedLines(folders_.dataFolder / CaptureFileName(cell));
+        if (joined) cells[cell] = templates_.Match(*joined);
     }
     return true;
 }

@@ -4,11 +4,14 @@
 #pragma once
 
 #include <QImage>
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "capture/client_layout.h"
 #include "capture/icon_writer.h"
+#include "capture/template_set.h"
 #include "capture/window_system.h"
 #include "cards/recalculate.h"
 
@@ -21,6 +24,11 @@ class ICaptureBoard {
     virtual WindowId OwnWindow() = 0;
     // Capture on, and the window laid out as the compact strip.
     virtual void EnterCompactView() = 0;
+    // The height of the strip's content. The window system may not have
+    // caught up with the new layout yet; the board knows it already.
+    virtual int StripHeight() = 0;
+    // A line in the strip about where it stands; "" takes it away.
+    virtual void ShowStripNote(const std::string& note) = 0;
     virtual void ClearCards() = 0;
     // The seat before the user's; the hole cards are read there.
     virtual int PreviousSeat() = 0;
@@ -50,9 +58,29 @@ bool LikePattern(std::string_view text, std::string_view pattern);
 // Whether a window title names the poker client: "Hold'em" in any case.
 bool TitleNamesClient(std::string_view title);
 
-// Paints the crop of `cell` out of a screenshot into the picture box, at its
-// top left, over the box's fixed background.
-QImage CropToPictureBox(const QImage& screenshot, int cell, int previousSeat);
+// The strip never stands higher than this, so the client has room above.
+constexpr int kLowestStripTop = 90;
+
+// Where docking puts the frames of the strip and of the client.
+struct DockPlaces {
+    PixelPoint strip;
+    PixelPoint client;
+    // The strip had to go so low that it leaves the screen at the bottom.
+    bool stripBelowScreen = false;
+};
+
+// The client's frame centred directly above the strip's frame, touching
+// it. The strip moves first where the client would reach past the top or
+// a side of the screen: it is there to show the whole table.
+DockPlaces DockPlacesFor(const WindowRect& stripFrame, const WindowRect& clientFrame,
+                         const WindowRect& screen);
+// What the strip says when docking put it partly below the screen.
+inline constexpr std::string_view kStripBelowScreenNote =
+    "The table is too tall to stand above the strip: the strip reaches below the screen.";
+
+// Paints the crop of `cell` out of the client's content into the picture
+// box, at its top left, over the box's fixed background.
+QImage CropToPictureBox(const ContentGrab& content, int cell, int previousSeat);
 // The top left 32 by 32 pixels of the picture box, as the icon writer takes
 // them; the transparent colour is the box's pixel (0, 0).
 IconPixels IconPixelsOf(const QImage& pictureBox);
@@ -76,16 +104,13 @@ class ClientCapture {
     WindowId ClientWindow() const { return mClientWnd; }
     bool ClientFound() const { return mClientFound; }
 
-    // Screenshot of the foreground window and the crop of `cell` from it.
+    // A fresh reading of the foreground window and the crop of `cell`.
     QImage CaptureCell(int cell, int previousSeat);
     // The template folder in use: the first candidate that exists, else the
     // per-user one, where the message about a missing template points.
     std::filesystem::path TemplateFolder() const;
-    // The recognised card text of an icon file, "" when it matches none.
-    // On a template that cannot be read, `unreadable` names it.
-    std::string RecogniseFile(const std::filesystem::path& file,
-                              const std::filesystem::path& templates,
-                              std::filesystem::path& unreadable) const;
+    // How long the last raise of the client was waited for.
+    std::chrono::nanoseconds RaiseWaitTime() const { return raiseWait_; }
 
   private:
     void FindWindowLike(std::vector<WindowId>& hWndArray, WindowId hWndStart,
@@ -93,7 +118,8 @@ class ClientCapture {
                         ICaptureBoard& board);
     void DockClient(WindowId clientWnd, WindowId ownWnd, ICaptureBoard& board);
     void BringClientForward(ICaptureBoard& board);
-    // Crops the present slot (hole or board, and which) into the picture box.
+    // Crops the present slot (hole or board, and which) out of the pass's
+    // one reading of the screen into the picture box.
     void CaptureCardImage(int previousSeat);
     void SaveProbeIcon();
     void DeleteCardFiles();
@@ -105,7 +131,11 @@ class ClientCapture {
 
     IWindowSystem& windows_;
     CaptureFolders folders_;
+    ContentGrab picture1_;  // the foreground window as the pass read it
     QImage pictureBox_;
+    TemplateSet templates_;
+    bool stripBelowNoted_ = false;
+    std::chrono::nanoseconds raiseWait_{0};
 
     WindowId mClientWnd = 0;
     bool mClientFound = false;

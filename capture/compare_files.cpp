@@ -20,22 +20,4 @@ std::optional<std::string> ReadJoinedLines(const std::filesystem::path& path) {
     return JoinLines(std::move(text));
 }
 
-FileComparison compare_files(const std::filesystem::path& path1,
-                             const std::filesystem::path& path2) {
-    const std::optional<std::string> first = ReadJoinedLines(path1);
-    if (!first) return {false, path1};
-    return CompareWithFile(*first, path2);
-}
-
-FileComparison CompareWithFile(const std::string& joined, const std::filesystem::path& path) {
-    FileComparison result;
-    const std::optional<std::string> second = ReadJoinedLines(path);
-    if (!second) {
-        result.unreadable = path;
-        return result;
-    }
-    result.identical = joined == *second;
-    return result;
-}
-
 }  // namespace felthawk

@@ -15,17 +15,4 @@ std::string JoinLines(std::string text);
 // when the file cannot be read.
 std::optional<std::string> ReadJoinedLines(const std::filesystem::path& path);
 
-struct FileComparison {
-    bool identical = false;
-    // The first of the two files that could not be read, empty when both
-    // were read.
-    std::filesystem::path unreadable;
-};
-
-FileComparison compare_files(const std::filesystem::path& path1,
-                             const std::filesystem::path& path2);
-// The same, with the first file's joined text already in hand: recognition
-// reads a capture file once and each template afresh for every comparison.
-FileComparison CompareWithFile(const std::string& joined, const std::filesystem::path& path);
-
 }  // namespace felthawk

@@ -1,11 +1,17 @@
 // The window calls that capture needs, behind one interface: the real one
 // talks to the X server (XcbWindowSystem), tests may give a fake.
+//
+// A window here is what its program made: a window manager's frame is never
+// one. Where a window manager has put a window into a frame, the window
+// stands among the desktop's children in the frame's place, its rectangle is
+// its content, and the frame shows only as the extents round it.
 #pragma once
 
-#include <QImage>
 #include <cstdint>
 #include <optional>
 #include <string>
+
+#include "capture/content_grab.h"
 
 namespace felthawk {
 
@@ -19,6 +25,21 @@ struct WindowRect {
     int height = 0;
     bool operator==(const WindowRect&) const = default;
 };
+
+// What a window manager draws on each side of a window; all 0 without one.
+struct FrameExtents {
+    int left = 0;
+    int right = 0;
+    int top = 0;
+    int bottom = 0;
+    bool operator==(const FrameExtents&) const = default;
+};
+
+// The rectangle of the frame round `content`.
+constexpr WindowRect FrameRect(const WindowRect& content, const FrameExtents& frame) {
+    return {content.left - frame.left, content.top - frame.top,
+            content.width + frame.left + frame.right, content.height + frame.top + frame.bottom};
+}
 
 // Show commands as placements carry them.
 enum ShowCommand : int {
@@ -41,10 +62,17 @@ class IWindowSystem {
     virtual std::string WindowText(WindowId window) = 0;
     virtual std::string ClassName(WindowId window) = 0;
 
-    // The window's rectangle on the desktop, frame included; nothing when
+    // The window's content on the desktop, without any frame; nothing when
     // the window is gone.
     virtual std::optional<WindowRect> GetWindowRect(WindowId window) = 0;
-    virtual void MoveWindow(WindowId window, const WindowRect& rect) = 0;
+    virtual FrameExtents GetFrameExtents(WindowId window) = 0;
+    // Moves the window, its size unchanged, so that the top left corner of
+    // its frame (of the window itself when it has none) stands at the point.
+    virtual void MoveFrame(WindowId window, int left, int top) = 0;
+    // The screen: 0, 0 and its size.
+    virtual WindowRect Screen() = 0;
+    // Empty when capture can read the screen's pixels, else why not.
+    virtual std::string ScreenUnreadable() = 0;
 
     // kShowMinimised when the window is minimised (not shown), else
     // kShowNormal.
@@ -53,13 +81,12 @@ class IWindowSystem {
     virtual void SetShowCommand(WindowId window, ShowCommand command) = 0;
     virtual void BringWindowToTop(WindowId window) = 0;
 
-    // The active window with its frame: the top-level window that holds the
-    // input focus; 0 when there is none.
+    // The active top-level window: the one that holds the input focus; 0
+    // when there is none.
     virtual WindowId ForegroundWindow() = 0;
-    // What the screen shows of the window, frame included, in the window's
-    // own coordinates; parts off the screen are black. A null image when the
+    // What the screen shows at the window's content; a null grab when the
     // window is gone.
-    virtual QImage CaptureWindow(WindowId window) = 0;
+    virtual ContentGrab GrabContent(WindowId window) = 0;
 };
 
 }  // namespace felthawk

@@ -59,26 +59,63 @@ TEST(ClientSearchWalk, TheWalkKeepsItsQuirks) {
     }
 }
 
-TEST(FakeDesktop, TheClientDocksCentredAboveTheStrip) {
+TEST(FakeDesktop, TheClientsFrameDocksCentredAboveTheStripsFrameAndStaysOnScreen) {
     TempFolder data;
+    constexpr FrameExtents kNone{};
+    constexpr FrameExtents kThin{1, 1, 20, 1};
+    constexpr FrameExtents kThick{5, 5, 24, 5};
     struct Case {
-        WindowRect own;
-        int ownTopAfter;
-        PixelPoint clientAt;
+        const char* what;
+        WindowRect strip;  // content, 71 high
+        FrameExtents stripFrame;
+        WindowRect client;
+        FrameExtents clientFrame;
+        PixelPoint stripAt, clientAt;  // content
+        bool belowScreen;
     } cases[] = {
-        {{100, 40, 674, 71}, 90, {47, -350}},  // the strip moves down
-        {{100, 500, 675, 71}, 500, {48, 60}},  // 47.5 to even
-        {{101, 500, 675, 71}, 500, {48, 60}},  // 48.5 to even
+        {"low strip, 47.5 to even", {100, 500, 675, 71}, kNone, {5, 5, 780, 440}, kNone, {100, 500},
+         {48, 60}, false},
+        {"48.5 to even", {101, 500, 675, 71}, kNone, {5, 5, 780, 440}, kNone, {101, 500},
+         {48, 60}, false},
+        {"strip at 40 goes to 90", {100, 40, 674, 71}, kNone, {5, 5, 780, 50}, kNone, {100, 90},
+         {47, 40}, false},
+        {"top-left strip goes down and right", {0, 0, 674, 71}, kNone, {5, 5, 780, 440}, kNone,
+         {53, 440}, {0, 0}, false},
+        {"right edge", {400, 300, 674, 71}, kNone, {5, 5, 780, 440}, kNone, {297, 440},
+         {244, 0}, false},
+        {"frames touch", {100, 600, 674, 71}, kThin, {5, 5, 780, 440}, kThick, {100, 600},
+         {47, 135}, false},
+        {"frames on screen", {0, 20, 674, 71}, kThin, {5, 5, 780, 440}, kThick, {58, 489},
+         {5, 24}, false},
+        {"too tall", {0, 20, 674, 71}, kThin, {5, 5, 780, 700}, kThick, {58, 749}, {5, 24},
+         true},
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
         FakeWindowSystem desk;
         ClientCapture search(desk, {data.path(), {}});
         RecordingBoard strip;
-        strip.own = desk.Add(FakeWindowSystem::kDesktop, "Felthawk", c.own);
-        const WindowId table = desk.Add(FakeWindowSystem::kDesktop, "Hold'em", {5, 5, 780, 440});
+        strip.own = desk.Add(FakeWindowSystem::kDesktop, "Felthawk", c.strip);
+        desk[strip.own].frame = c.stripFrame;
+        const WindowId table = desk.Add(FakeWindowSystem::kDesktop, "Hold'em", c.client);
+        desk[table].frame = c.clientFrame;
         search.FindClient(strip, 0);
-        EXPECT_EQ(desk[strip.own].rect, (WindowRect{c.own.left, c.ownTopAfter, c.own.width, 71}));
-        EXPECT_EQ(desk[table].rect, (WindowRect{c.clientAt.x, c.clientAt.y, 780, 440}));
+        EXPECT_EQ(desk[strip.own].rect, (WindowRect{c.stripAt.x, c.stripAt.y, c.strip.width, 71}));
+        EXPECT_EQ(desk[table].rect,
+                  (WindowRect{c.clientAt.x, c.clientAt.y, c.client.width, c.client.height}));
+        // Said once; a second search moves nothing and says nothing more.
+        const std::vector<std::string> said{std::string(kStripBelowScreenNote)};
+        EXPECT_EQ(strip.notes, c.belowScreen ? said : std::vector<std::string>{});
+        desk.moves.clear();
+        search.FindClient(strip, 0);
+        EXPECT_TRUE(desk.moves.empty());
+        EXPECT_EQ(strip.notes, c.belowScreen ? said : std::vector<std::string>{});
+        if (!c.belowScreen) continue;
+        // Once the user has raised the strip and the table fits, the note goes.
+        desk[table].rect.height = 400;
+        desk[strip.own].rect.top = 500;
+        search.FindClient(strip, 0);
+        EXPECT_EQ(strip.notes.back(), "");
     }
 }
 

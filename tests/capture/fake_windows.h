@@ -11,8 +11,9 @@ namespace felthawk {
 struct FakeWindow {
     WindowId parent = 0;
     std::string title;
-    WindowRect rect;
+    WindowRect rect;  // the content
     QImage picture;
+    FrameExtents frame;
 };
 
 class FakeWindowSystem : public IWindowSystem {
@@ -20,7 +21,7 @@ class FakeWindowSystem : public IWindowSystem {
     static constexpr WindowId kDesktop = 1;
 
     WindowId Add(WindowId parent, std::string title, WindowRect rect = {0, 0, 780, 440}) {
-        windows_[nextId_] = FakeWindow{parent, std::move(title), rect, {}};
+        windows_[nextId_] = FakeWindow{parent, std::move(title), rect, {}, {}};
         order_.push_back(nextId_);
         return nextId_++;
     }
@@ -44,18 +45,30 @@ class FakeWindowSystem : public IWindowSystem {
         if (!windows_.count(window)) return std::nullopt;
         return windows_[window].rect;
     }
-    void MoveWindow(WindowId window, const WindowRect& rect) override {
-        if (windows_.count(window)) windows_[window].rect = rect;
+    FrameExtents GetFrameExtents(WindowId window) override {
+        return windows_.count(window) ? windows_[window].frame : FrameExtents{};
     }
+    void MoveFrame(WindowId window, int left, int top) override {
+        if (!windows_.count(window)) return;
+        FakeWindow& moved = windows_[window];
+        moved.rect.left = left + moved.frame.left;
+        moved.rect.top = top + moved.frame.top;
+        moves.push_back(window);
+    }
+    WindowRect Screen() override { return screen; }
+    std::string ScreenUnreadable() override { return unreadable; }
     ShowCommand GetShowCommand(WindowId) override { return kShowNormal; }
     void SetShowCommand(WindowId, ShowCommand) override {}
     void BringWindowToTop(WindowId window) override { raised.push_back(window); }
     WindowId ForegroundWindow() override { return raised.empty() ? 0 : raised.back(); }
-    QImage CaptureWindow(WindowId window) override {
-        return windows_.count(window) ? windows_[window].picture : QImage();
+    ContentGrab GrabContent(WindowId window) override {
+        return windows_.count(window) ? ContentGrab::FromImage(windows_[window].picture)
+                                      : ContentGrab();
     }
 
-    std::vector<WindowId> titlesRead, raised;
+    std::vector<WindowId> titlesRead, raised, moves;
+    WindowRect screen{0, 0, 1024, 768};
+    std::string unreadable;
 
   private:
     WindowId After(WindowId parent, WindowId previous, bool first) {
@@ -79,11 +92,14 @@ class RecordingBoard : public ICaptureBoard {
     int previousSeat = 9;
     int compactViews = 0;
     int clears = 0;
+    int stripHeight = 71;
     std::vector<TextCells> shown;
-    std::vector<std::string> stops;
+    std::vector<std::string> stops, notes;
 
     WindowId OwnWindow() override { return own; }
     void EnterCompactView() override { ++compactViews; }
+    int StripHeight() override { return stripHeight; }
+    void ShowStripNote(const std::string& note) override { notes.push_back(note); }
     void ClearCards() override { ++clears; }
     int PreviousSeat() override { return previousSeat; }
     void ShowCapturedCards(const TextCells& cells) override { shown.push_back(cells); }

@@ -314,7 +314,7 @@ void CalibrationWindow::TakePicture() {
         return;
     }
     windows_.BringWindowToTop(windowIds_[index]);
-    const QImage picture = windows_.CaptureWindow(windowIds_[index]);
+    const QImage picture = windows_.GrabContent(windowIds_[index]).ToImage();
     if (picture.isNull()) {
         status_->setText(QStringLiteral("That window is gone; refresh the list."));
         return;

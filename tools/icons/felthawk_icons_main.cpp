@@ -59,7 +59,7 @@ QImage ClientPicture(XcbWindowSystem& windows, const TableLayout& layout, std::s
         windows.BringWindowToTop(window);
         windows.Sync();
         QThread::msleep(kRaiseWaitMs);
-        QImage picture = windows.CaptureWindow(window);
+        QImage picture = windows.GrabContent(window).ToImage();
         if (picture.isNull()) error = "the window \"" + title + "\" went away";
         return picture;
     }

@@ -598,6 +598,9 @@ void frmFelthawk::ShowCaptureNote(const QString& note) {
     mCaptureNote->setText(note);
     mCaptureNote->setToolTip(note);
     mCaptureNote->setVisible(mCaptureOn && !note.isEmpty());
+    // The strip's caption is empty; a window manager's title bar is the part
+    // of it that shows even when the strip stands low.
+    if (mCaptureOn) setWindowTitle(note);
 }
 
 void frmFelthawk::ApplyCaptureMode() {
@@ -623,7 +626,7 @@ void frmFelthawk::ApplyCaptureMode() {
         imSp->SetPicture(mCaptureOnPicture);
         imSp->setToolTip(QStringLiteral("Cancel Capture"));
         tmr_Read->start();
-        setWindowTitle(QString());
+        setWindowTitle(mCaptureNote->text());
         imgSmall->move(0, 0);
         imgSmall->show();
         Picture1->setGeometry(

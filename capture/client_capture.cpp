@@ -306,8 +306,8 @@ QImage ClientCapture::CaptureCell(int cell, int previousSeat) {
 }
 
 void ClientCapture::CaptureCardImage(int previousSeat) {
-    pictureBox_ = CropToPictureBox(picture1_, mHoleMode ? mHoleCardIndex : mBoardCardIndex + 2,
-                                   previousSeat);
+    pictureBox_ =
+        CropToPictureBox(picture1_, mHoleMode ? mHoleCardIndex : mBoardCardIndex + 2, previousSeat);
 }
 
 void ClientCapture::SaveProbeIcon() {

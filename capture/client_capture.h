@@ -76,7 +76,7 @@ DockPlaces DockPlacesFor(const WindowRect& stripFrame, const WindowRect& clientF
                          const WindowRect& screen);
 // What the strip says when docking put it partly below the screen.
 inline constexpr std::string_view kStripBelowScreenNote =
-    "The table is too tall to stand above the strip: the strip reaches below the screen.";
+    "The table is too tall: the strip reaches below the screen.";
 
 // Paints the crop of `cell` out of the client's content into the picture
 // box, at its top left, over the box's fixed background.

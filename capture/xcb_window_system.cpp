@@ -142,9 +142,9 @@ std::vector<std::vector<WindowId>> XcbWindowSystem::QueryChildren(
         if (!reply) continue;
         const xcb_window_t* list = xcb_query_tree_children(reply.get());
         // The server lists bottom to top.
-        children[i].assign(std::make_reverse_iterator(list + xcb_query_tree_children_length(
-                                                                 reply.get())),
-                           std::make_reverse_iterator(list));
+        children[i].assign(
+            std::make_reverse_iterator(list + xcb_query_tree_children_length(reply.get())),
+            std::make_reverse_iterator(list));
     }
     return children;
 }
@@ -178,8 +178,8 @@ std::vector<WindowId> XcbWindowSystem::ManagedTopLevels() {
             if (resolved[i]) continue;
             for (WindowId window : candidates[i]) {
                 asked.emplace_back(i, window);
-                cookies.push_back(xcb_get_property(connection_, 0, window, atoms_->wmState,
-                                                   XCB_ATOM_ANY, 0, 0));
+                cookies.push_back(
+                    xcb_get_property(connection_, 0, window, atoms_->wmState, XCB_ATOM_ANY, 0, 0));
             }
         }
         if (asked.empty()) break;
@@ -218,8 +218,8 @@ void XcbWindowSystem::ReadTexts(const std::vector<WindowId>& windows) {
     for (WindowId window : windows) {
         cookies.push_back({xcb_get_property(connection_, 0, window, atoms_->netWmName,
                                             atoms_->utf8String, 0, kPropertyLongs),
-                           xcb_get_property(connection_, 0, window, XCB_ATOM_WM_NAME,
-                                            XCB_ATOM_ANY, 0, kPropertyLongs),
+                           xcb_get_property(connection_, 0, window, XCB_ATOM_WM_NAME, XCB_ATOM_ANY,
+                                            0, kPropertyLongs),
                            xcb_get_property(connection_, 0, window, XCB_ATOM_WM_CLASS,
                                             XCB_ATOM_STRING, 0, kPropertyLongs)});
     }
@@ -311,15 +311,15 @@ FrameExtents XcbWindowSystem::GetFrameExtents(WindowId window) {
         nullptr));
     if (property && property->format == 32 && xcb_get_property_value_length(property.get()) == 16) {
         const auto* sides = static_cast<const uint32_t*>(xcb_get_property_value(property.get()));
-        return {static_cast<int>(sides[0]), static_cast<int>(sides[1]),
-                static_cast<int>(sides[2]), static_cast<int>(sides[3])};
+        return {static_cast<int>(sides[0]), static_cast<int>(sides[1]), static_cast<int>(sides[2]),
+                static_cast<int>(sides[3])};
     }
     // A window manager that does not say: the frame is the window that
     // stands on the desktop, and the extents are what it has round ours.
     const WindowId frame = TopFrame(window);
     if (frame == 0 || frame == window) return {};
-    auto geometry = Take(
-        xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, frame), nullptr));
+    auto geometry =
+        Take(xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, frame), nullptr));
     const std::optional<WindowRect> content = GetWindowRect(window);
     if (!geometry || !content) return {};
     const int border = geometry->border_width;

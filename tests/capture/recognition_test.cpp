@@ -88,8 +88,8 @@ TEST(ContentGrab, PixelsOfEachLayoutAndWhatLiesOffTheScreen) {
         // A content of 3 by 2 of which the screen showed the top left pixel.
         const ContentGrab grab(3, 2, 0, 0, 1, 1, c.format, c.pixel);
         EXPECT_EQ(grab.Pixel(0, 0), c.colour);
-        EXPECT_EQ(grab.Pixel(2, 1), 0u);                // off the screen: black
-        EXPECT_EQ(grab.Pixel(3, 0), std::nullopt);      // outside the content
+        EXPECT_EQ(grab.Pixel(2, 1), 0u);            // off the screen: black
+        EXPECT_EQ(grab.Pixel(3, 0), std::nullopt);  // outside the content
         EXPECT_EQ(grab.Pixel(0, -1), std::nullopt);
     }
     // A reply too short for its rows shows nothing of the screen.
@@ -138,8 +138,8 @@ TEST(PictureBox, TheCropSitsTopLeftOverTheFixedBackground) {
     const IconPixels part = IconPixelsOf(CropToPictureBox(ContentGrab::FromImage(shot), 1, 7));
     EXPECT_EQ(part[0], 0x0A141Eu);
     EXPECT_EQ(part[1], 0x0A141Eu);
-    EXPECT_EQ(part[2], kPictureBoxBackground);                           // x 40 is off the shot
-    EXPECT_EQ(part[21 * kIconSide], kPictureBoxBackground);              // y 200 is off
+    EXPECT_EQ(part[2], kPictureBoxBackground);               // x 40 is off the shot
+    EXPECT_EQ(part[21 * kIconSide], kPictureBoxBackground);  // y 200 is off
     const IconPixels hole =
         IconPixelsOf(CropToPictureBox(ContentGrab::FromImage(shot), 0, 7));  // from (18, 179)
     EXPECT_EQ(hole[11 * kIconSide + 12], 0x010203u);

@@ -1,4 +1,5 @@
-// An Xvfb of our own on a free display, and felthawk-table running on it.
+// An Xvfb of our own on a free display, a window manager on it, and
+// felthawk-table running there.
 #pragma once
 
 #include <sys/types.h>
@@ -6,6 +7,7 @@
 #include <string>
 
 #include "capture/window_system.h"
+#include "tests/capture/temp_folder.h"
 
 namespace felthawk {
 
@@ -16,13 +18,30 @@ class XvfbServer {
     XvfbServer(const XvfbServer&) = delete;
     XvfbServer& operator=(const XvfbServer&) = delete;
 
-    // A 1024 by 768 screen at 24 bits; false with a message on failure.
-    bool Start(std::string& error);
+    // A 1024 by 768 screen of `depth` bits; false with a message on failure.
+    bool Start(int depth, std::string& error);
     const std::string& Display() const { return display_; }
 
   private:
     pid_t pid_ = -1;
     std::string display_;
+};
+
+// A window manager on $DISPLAY, with a home of its own.
+class WindowManager {
+  public:
+    WindowManager() = default;
+    ~WindowManager();
+    WindowManager(const WindowManager&) = delete;
+    WindowManager& operator=(const WindowManager&) = delete;
+
+    // Starts `name` (openbox or icewm; "none" starts nothing) and waits
+    // until it has taken the screen; false with a message on failure.
+    bool Start(const std::string& name, std::string& error);
+
+  private:
+    QProcess process_;
+    TempFolder home_;
 };
 
 class TableProcess {

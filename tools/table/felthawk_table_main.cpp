@@ -31,9 +31,9 @@ namespace {
 
 class TableWindow : public QWidget {
   public:
-    TableWindow(const TextCells& cells, int meSeat, const TableDesign& design)
+    TableWindow(const TextCells& cells, int meSeat, const TableDesign& design, QSize size)
         : meSeat_(meSeat), design_(design) {
-        setFixedSize(design.width, design.height);
+        setFixedSize(size);
         Deal(cells);
     }
 
@@ -94,11 +94,14 @@ int main(int argc, char** argv) {
     const QCommandLineOption titleOption("title", "The window title.", "title",
                                          "Felthawk Test Table - Texas Hold'em");
     const QCommandLineOption atOption("at", "Where the window opens, as X,Y.", "x,y", "0,0");
+    const QCommandLineOption sizeOption(
+        "size", "The window's size, as WxH; the table is cut off at the right and the bottom.",
+        "wxh");
     const QCommandLineOption commandsOption("commands", "Read further deals from standard input.");
     const QCommandLineOption layoutOption("layout", "The table: default, wide or six-seat.", "name",
                                           "default");
     parser.addOptions(
-        {cellsOption, seatOption, titleOption, atOption, commandsOption, layoutOption});
+        {cellsOption, seatOption, titleOption, atOption, sizeOption, commandsOption, layoutOption});
     parser.process(app);
 
     std::string error;
@@ -123,7 +126,20 @@ int main(int argc, char** argv) {
         return Fail("--layout must be one of " + names);
     }
 
-    TableWindow window(*cells, meSeat, *design);
+    QSize size(design->width, design->height);
+    if (parser.isSet(sizeOption)) {
+        const QStringList parts = parser.value(sizeOption).split('x');
+        bool widthOk = false;
+        bool heightOk = false;
+        size = QSize(parts.value(0).toInt(&widthOk), parts.value(1).toInt(&heightOk));
+        constexpr int kLargest = 4096;
+        if (parts.size() != 2 || !widthOk || !heightOk || size.width() < 1 || size.height() < 1 ||
+            size.width() > kLargest || size.height() > kLargest) {
+            return Fail("--size must be WxH, each 1..4096");
+        }
+    }
+
+    TableWindow window(*cells, meSeat, *design, size);
     window.setWindowTitle(parser.value(titleOption));
     window.move(x, y);
     window.show();

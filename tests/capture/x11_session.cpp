@@ -9,7 +9,6 @@
 #include <QDeadlineTimer>
 #include <QThread>
 #include <cstdlib>
-#include <cstring>
 
 #include "tools/table/table_process.h"
 
@@ -19,26 +18,37 @@ namespace {
 constexpr int kStartTimeoutMs = 20000;
 constexpr int kPollMs = 50;
 
-// Whether a window manager has announced itself on the screen.
-bool WindowManagerRunning() {
-    xcb_connection_t* c = xcb_connect(nullptr, nullptr);
-    bool running = false;
-    if (!xcb_connection_has_error(c)) {
-        const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(c)).data->root;
-        constexpr const char* kCheck = "_NET_SUPPORTING_WM_CHECK";
-        auto* atom = xcb_intern_atom_reply(
-            c, xcb_intern_atom(c, 0, static_cast<uint16_t>(std::strlen(kCheck)), kCheck), nullptr);
-        if (atom != nullptr) {
-            auto* property = xcb_get_property_reply(
-                c, xcb_get_property(c, 0, root, atom->atom, XCB_ATOM_WINDOW, 0, 1), nullptr);
-            running = property != nullptr && xcb_get_property_value_length(property) == 4;
-            std::free(property);
-        }
-        std::free(atom);
+// Whether a window manager frames new windows yet: a window of our own is
+// mapped, and has a parent other than the screen's root once it is framed.
+class FramingProbe {
+  public:
+    FramingProbe() : c_(xcb_connect(nullptr, nullptr)) {
+        if (xcb_connection_has_error(c_)) return;
+        const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(c_)).data;
+        root_ = screen->root;
+        window_ = xcb_generate_id(c_);
+        xcb_create_window(c_, XCB_COPY_FROM_PARENT, window_, root_, 0, 0, 10, 10, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, 0, nullptr);
+        xcb_map_window(c_, window_);
+        xcb_flush(c_);
     }
-    xcb_disconnect(c);
-    return running;
-}
+    ~FramingProbe() { xcb_disconnect(c_); }
+    FramingProbe(const FramingProbe&) = delete;
+    FramingProbe& operator=(const FramingProbe&) = delete;
+
+    bool Framed() {
+        if (window_ == 0) return false;
+        auto* tree = xcb_query_tree_reply(c_, xcb_query_tree(c_, window_), nullptr);
+        const bool framed = tree != nullptr && tree->parent != root_;
+        std::free(tree);
+        return framed;
+    }
+
+  private:
+    xcb_connection_t* c_;
+    xcb_window_t root_ = 0;
+    xcb_window_t window_ = 0;
+};
 
 }  // namespace
 
@@ -104,8 +114,9 @@ bool WindowManager::Start(const std::string& name, std::string& error) {
         error = name + " did not start (is its package installed?)";
         return false;
     }
+    FramingProbe probe;
     for (QDeadlineTimer deadline(kStartTimeoutMs); !deadline.hasExpired();) {
-        if (WindowManagerRunning()) return true;
+        if (probe.Framed()) return true;
         if (process_.state() == QProcess::NotRunning) break;
         QThread::msleep(kPollMs);
     }

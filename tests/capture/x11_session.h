@@ -36,7 +36,7 @@ class WindowManager {
     WindowManager& operator=(const WindowManager&) = delete;
 
     // Starts `name` (openbox or icewm; "none" starts nothing) and waits
-    // until it has taken the screen; false with a message on failure.
+    // until it frames new windows; false with a message on failure.
     bool Start(const std::string& name, std::string& error);
 
   private:

@@ -281,14 +281,30 @@ WindowId XcbWindowSystem::NextSibling(WindowId window) {
     return it == siblings.end() || it + 1 == siblings.end() ? 0 : *(it + 1);
 }
 
+// The walk reads each window's title and class once; a text read ahead for
+// it serves that one reading, and any later one asks the server afresh.
 std::string XcbWindowSystem::WindowText(WindowId window) {
-    if (!texts_.contains(window)) ReadTexts({window});
-    return texts_[window].title;
+    auto it = texts_.find(window);
+    if (it == texts_.end() || !it->second.title) {
+        ReadTexts({window});
+        it = texts_.find(window);
+    }
+    std::string title = std::move(*it->second.title);
+    it->second.title.reset();
+    if (!it->second.className) texts_.erase(it);
+    return title;
 }
 
 std::string XcbWindowSystem::ClassName(WindowId window) {
-    if (!texts_.contains(window)) ReadTexts({window});
-    return texts_[window].className;
+    auto it = texts_.find(window);
+    if (it == texts_.end() || !it->second.className) {
+        ReadTexts({window});
+        it = texts_.find(window);
+    }
+    std::string className = std::move(*it->second.className);
+    it->second.className.reset();
+    if (!it->second.title) texts_.erase(it);
+    return className;
 }
 
 // ---- Places and frames --------------------------------------------------------

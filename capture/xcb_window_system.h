@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -55,8 +56,8 @@ class XcbWindowSystem : public IWindowSystem {
   private:
     struct Atoms;
     struct Texts {
-        std::string title;
-        std::string className;
+        std::optional<std::string> title;
+        std::optional<std::string> className;
     };
     XcbWindowSystem(xcb_connection_t* connection, bool owned);
 

@@ -176,7 +176,7 @@ class Program {
 TEST(InstalledProgram, ShowsItsBoardAndBannerAndReadsATableWithItsTemplates) {
     XvfbServer screen;
     std::string error;
-    ASSERT_TRUE(screen.Start(error)) << error;
+    ASSERT_TRUE(screen.Start(24, error)) << error;
     QTemporaryDir home;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("DISPLAY", QString::fromStdString(screen.Display()));
@@ -232,7 +232,7 @@ TEST(InstalledProgram, ShowsItsBoardAndBannerAndReadsATableWithItsTemplates) {
     ForgetWindowManager(x);
     std::optional<WindowRect> rect = windows->GetWindowRect(board);
     ASSERT_TRUE(rect);
-    windows->MoveWindow(board, {0, kTableClearance, rect->width, rect->height});
+    windows->MoveFrame(board, 0, kTableClearance);
     ASSERT_TRUE(WaitFor(
         [&] { return (rect = windows->GetWindowRect(board)) && rect->top >= kTableClearance; },
         5s));
@@ -247,7 +247,7 @@ TEST(InstalledProgram, ShowsItsBoardAndBannerAndReadsATableWithItsTemplates) {
     const bool read = WaitFor(
         [&] {
             if (windows->WindowText(board) == "Felthawk") return false;
-            strip = windows->CaptureWindow(board);
+            strip = windows->GrabContent(board).ToImage();
             for (const auto& c : flop) {
                 if (!StripShows(strip, c.cell, c.card)) return false;
             }

@@ -27,8 +27,9 @@
 namespace {
 
 // SIGINT and SIGTERM close the main window like "Exit" does, so the display
-// mode is put back. The handler only writes a byte to a pipe; the event loop
-// reads it.
+// mode is put back, and then end every event loop: the splash's, a modal
+// dialogue's, a download's, and the main one. The handler only writes a byte
+// to a pipe; whichever event loop runs reads it.
 int gSignalPipe[2] = {-1, -1};
 
 void OnSignal(int) {
@@ -43,6 +44,9 @@ void CloseOnSignals(QWidget& window) {
         char byte = 0;
         [[maybe_unused]] const ssize_t got = read(gSignalPipe[0], &byte, 1);
         window.close();
+        // Unlike quit(), exit() also ends the loops that run before the main
+        // one starts, and keeps any later one from starting.
+        QCoreApplication::exit(0);
     });
     struct sigaction action {};
     action.sa_handler = OnSignal;

@@ -47,7 +47,7 @@ void frmSplash::Activated() {
 }
 
 void frmSplash::TimerTick() {
-    if (!busy_) close();
+    if (!busy_ || !update_->DialogueOpen()) close();
 }
 
 }  // namespace felthawk

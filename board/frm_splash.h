@@ -1,8 +1,8 @@
 // frmSplash: the picture shown while the program starts. When it becomes
-// active it runs the silent version check; the check's dialogue closes it.
-// Its own timer closes it after 2000 ms when no check is running, so a
-// program without an update service, or a splash that never became active,
-// does not stand in the way.
+// active it starts the silent version check; the check's dialogue closes it.
+// Its own timer closes it after 2000 ms unless the check shows a question or
+// a download, so a slow server, a program without an update service, or a
+// splash that never became active, does not stand in the way.
 #pragma once
 
 #include <QDialog>
@@ -21,8 +21,8 @@ class frmSplash : public QDialog {
     // splash.
     explicit frmSplash(IUpdateService* update, QWidget* parent = nullptr);
 
-    // Set while the version check runs and from then on; the timer leaves a
-    // busy splash alone.
+    // Set once the version check has started; the timer leaves a busy
+    // splash alone while the check shows its dialogue.
     bool Busy() const { return busy_; }
     QTimer* Timer1() const { return timer_; }
 

@@ -20,6 +20,9 @@ class IUpdateService {
     virtual void VersionProgram1(QWidget* splash) = 0;
     // "Check for Update": also reports when there is no new version.
     virtual void VersionProgram2(QWidget* parent) = 0;
+    // The check shows a question or a download: the splash stays for it.
+    // Waiting for the server is not a reason to stay.
+    virtual bool DialogueOpen() const { return false; }
 };
 
 // Rotating banners in the main window's banner view.

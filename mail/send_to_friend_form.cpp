@@ -61,6 +61,8 @@ frmSendEmailtoFriend::frmSendEmailtoFriend(IDialogs& dialogs, const SendMailSett
     txtYourEmail->setPlaceholderText(QStringLiteral("you@example.com"));
     txtFriendEmail->setPlaceholderText(QStringLiteral("friend@example.com"));
     lblStatus->setWordWrap(true);
+    // The status quotes the mail server, whose words are never markup.
+    lblStatus->setTextFormat(Qt::PlainText);
     lblStatus->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
     auto* fields = new QFormLayout;

@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "online/transfer.h"
-#include "online/xml_document.h"
-
 namespace felthawk {
 
 namespace {
@@ -72,11 +69,16 @@ bool IsNewerVersion(const QString& joined) {
     return Val(joined) > kThisBuildVersion;
 }
 
+bool cAppVersion::Load(const QByteArray& bytes) {
+    return document_.LoadXml(bytes);
+}
+
+const XmlNode* cAppVersion::CurrentVersion() const {
+    return document_.selectSingleNode(QStringLiteral("APPLICATION/CURRENTVERSION"));
+}
+
 QString cAppVersion::GetCurrentVersion() const {
-    XmlDocument document;
-    if (!document.Load(XMLSource, inet_)) return {};
-    const XmlNode* current =
-        document.selectSingleNode(QStringLiteral("APPLICATION/CURRENTVERSION"));
+    const XmlNode* current = CurrentVersion();
     if (!current) return {};
 
     // The three parts are joined with points that are taken out again, so
@@ -88,6 +90,21 @@ QString cAppVersion::GetCurrentVersion() const {
         joined += current->attributes[i].second;
     }
     return joined.remove(u'.');
+}
+
+QByteArray cAppVersion::PublishedDigest() const {
+    const XmlNode* current = CurrentVersion();
+    if (!current) return {};
+    for (const auto& [name, value] : current->attributes) {
+        if (name != QLatin1String(kDigestAttribute)) continue;
+        const QByteArray digest = value.trimmed().toLatin1().toLower();
+        const bool hex =
+            digest.size() == 64 && std::all_of(digest.begin(), digest.end(), [](char c) {
+                return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+            });
+        return hex ? digest : QByteArray();
+    }
+    return {};
 }
 
 }  // namespace felthawk

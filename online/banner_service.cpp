@@ -1,9 +1,10 @@
 #include "online/banner_service.h"
 
-#include <QCoreApplication>
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QImageReader>
 #include <QTextBrowser>
 #include <QTextDocument>
 #include <QTimer>
@@ -19,14 +20,23 @@ namespace felthawk {
 
 namespace {
 
+// The largest picture a banner may decode to, in megabytes.
+constexpr int kPictureAllocationMb = 16;
+
 const XmlNode& NodeAt(const std::vector<XmlNode>& nodes, std::size_t index) {
     if (index >= nodes.size()) throw MissingNode{};
     return nodes[index];
 }
 
-bool IsRemotePicture(const QString& fileName) {
-    return fileName.startsWith(u"http://", Qt::CaseInsensitive) ||
-           fileName.startsWith(u"https://", Qt::CaseInsensitive);
+const QString& DefaultPicture() {
+    static const QString name = QStringLiteral("Default.gif");
+    return name;
+}
+
+const QString& DefaultLink() {
+    static const QString name =
+        QStringLiteral("DefaultLink/Online Poker Games - PalisadePoker_com Poker Room.htm");
+    return name;
 }
 
 // The timer's interval. Like the timer control the strip was designed for,
@@ -49,9 +59,19 @@ qint16 WholeNumber(const QString& text) {
     return static_cast<qint16>(rounded);
 }
 
+bool IsWebUrl(const QUrl& url) {
+    const QString scheme = url.scheme();
+    return url.isValid() && (scheme == u"http" || scheme == u"https") && !url.host().isEmpty();
+}
+
+bool IsWebAddress(const QString& text) {
+    return IsWebUrl(QUrl(text));
+}
+
 void ReadBannerList(const XmlDocument& document, Banners& banners) {
     const XmlNode& list = NodeAt(document.childNodes(), 0);
-    for (std::size_t i = 0; i < list.childNodes.size(); ++i) {
+    const std::size_t count = std::min<std::size_t>(list.childNodes.size(), kMaxBanners);
+    for (std::size_t i = 0; i < count; ++i) {
         const std::vector<XmlNode>& fields = list.childNodes[i].childNodes;
         Banner& banner = banners.Add(u'A' + QString::number(i));
         banner.Path = NodeAt(fields, 0).Text();
@@ -62,7 +82,7 @@ void ReadBannerList(const XmlDocument& document, Banners& banners) {
 }
 
 BannerService::BannerService(IDesktop& desktop, OnlineConfig config)
-    : desktop_(desktop), config_(std::move(config)), inet_(config_.fetchTimeoutMs) {}
+    : desktop_(desktop), config_(std::move(config)) {}
 
 void BannerService::LoadBanners(QWidget* window, QTextBrowser* view, QTimer* timer) {
     if (loaded_ || !view || !timer) return;
@@ -77,13 +97,34 @@ void BannerService::LoadBanners(QWidget* window, QTextBrowser* view, QTimer* tim
     connect(view, &QTextBrowser::anchorClicked, this, &BannerService::OpenBannerLink);
     connect(timer, &QTimer::timeout, this, &BannerService::Timer1);
     timer->setInterval(kFirstBannerMs);
+    listInet_.OpenURL(config_.ServerUrl(QString::fromLatin1(kBannerListPath)), kBannerListLimits,
+                      [this](const TransferResult& answer) { ListArrived(answer); });
+}
 
+void BannerService::ListArrived(const TransferResult& answer) {
     XmlDocument document;
-    document.Load(config_.ServerUrl(QString::fromLatin1(kBannerListPath)), inet_);
-    QCoreApplication::processEvents();
+    if (answer.ok) document.LoadXml(answer.body);
+    bool complete = true;
     try {
         ReadBannerList(document, banners_);
     } catch (const MissingNode&) {
+        complete = false;
+    } catch (const std::exception&) {
+        // A bad Duration: the strip stays off.
+        return;
+    }
+    // A picture or a link from the server is used only when it is on the
+    // web: a local file, a share or a script is not the server's to name.
+    for (int i = 1; i <= banners_.Count(); ++i) {
+        Banner& banner = banners_.Item(i);
+        for (const QString* value : {&banner.Path, &banner.SmallPath, &banner.Reference}) {
+            if (!value->isEmpty() && !IsWebAddress(*value)) {
+                MakeDefault(banner);
+                break;
+            }
+        }
+    }
+    if (!complete) {
         // Nothing loaded, or a banner short of its fields: the default banner
         // stands in. Its key may clash with a banner read before the gap;
         // then the strip stays off like after any other fault.
@@ -92,8 +133,6 @@ void BannerService::LoadBanners(QWidget* window, QTextBrowser* view, QTimer* tim
         } catch (const std::exception&) {
             return;
         }
-    } catch (const std::exception&) {
-        return;
     }
     // The window may have gone while the list was on its way.
     if (timer_) timer_->start();
@@ -101,10 +140,14 @@ void BannerService::LoadBanners(QWidget* window, QTextBrowser* view, QTimer* tim
 
 void BannerService::AddDefaultBanner() {
     Banner& banner = banners_.Add(QStringLiteral("A1"));
-    banner.Path = config_.FindFile(QStringLiteral("Default.gif"));
+    MakeDefault(banner);
     banner.Duration = 30;
-    banner.Reference = config_.FindFile(
-        QStringLiteral("DefaultLink/Online Poker Games - PalisadePoker_com Poker Room.htm"));
+}
+
+void BannerService::MakeDefault(Banner& banner) const {
+    banner.Path = config_.FindFile(DefaultPicture());
+    banner.SmallPath.clear();
+    banner.Reference = config_.FindFile(DefaultLink());
 }
 
 void BannerService::Timer1() {
@@ -122,9 +165,10 @@ void BannerService::Timer1() {
 
 bool BannerService::ShowBanner(const QString& fileName, const QString& refLink) {
     if (!view_) return false;
+    // The values are data: a quote or a tag in them stays text.
     QString page = QString::fromLatin1(kBannerTemplate);
-    page.replace(QStringLiteral("<<REFLINK>>"), refLink);
-    page.replace(QStringLiteral("<<FILENAME>>"), fileName);
+    page.replace(QStringLiteral("<<REFLINK>>"), refLink.toHtmlEscaped());
+    page.replace(QStringLiteral("<<FILENAME>>"), fileName.toHtmlEscaped());
 
     const QString path = QDir(config_.programFolder).filePath(QStringLiteral("temp.htm"));
     QFile file(path);
@@ -141,33 +185,56 @@ bool BannerService::ShowBanner(const QString& fileName, const QString& refLink) 
         view_->reload();
     else
         view_->setSource(url);
-    if (IsRemotePicture(fileName)) ProvideRemotePicture(fileName);
+    shownPicture_ = fileName;
+    if (IsWebAddress(fileName)) ProvideRemotePicture(fileName);
     return true;
 }
 
 void BannerService::ProvideRemotePicture(const QString& fileName) {
-    // Each picture is fetched once: the list is never fetched again either,
-    // and a dead picture server must not hold the window at every turn.
-    auto cached = pictures_.find(fileName);
-    if (cached == pictures_.end()) {
-        QImage picture;
-        try {
-            picture = QImage::fromData(inet_.OpenURL(fileName));
-        } catch (const TransferError&) {
-            // The picture stays broken; the banner's link still works.
-        }
-        cached = pictures_.emplace(fileName, picture).first;
+    // Each picture is asked for once: the list is never fetched again either,
+    // and a dead picture server must not be waited for at every turn.
+    if (pictures_.emplace(fileName, QImage()).second) {
+        pictureQueue_.push_back(fileName);
+        FetchNextPicture();
+    } else {
+        ShowPicture(fileName);
     }
-    if (cached->second.isNull()) return;
+}
+
+void BannerService::FetchNextPicture() {
+    if (pictureInet_.StillExecuting() || pictureQueue_.empty()) return;
+    const QString next = pictureQueue_.front();
+    pictureQueue_.pop_front();
+    pictureInet_.OpenURL(next, kBannerPictureLimits, [this, next](const TransferResult& answer) {
+        if (answer.ok) {
+            QBuffer bytes;
+            bytes.setData(answer.body);
+            QImageReader reader(&bytes);
+            // A small file may still claim a huge picture.
+            reader.setAllocationLimit(kPictureAllocationMb);
+            pictures_[next] = reader.read();
+        }
+        // A picture that never came leaves the banner broken; its link works.
+        if (next == shownPicture_) ShowPicture(next);
+        FetchNextPicture();
+    });
+}
+
+void BannerService::ShowPicture(const QString& fileName) {
+    const QImage& picture = pictures_[fileName];
+    if (!view_ || picture.isNull()) return;
     QTextDocument* document = view_->document();
-    document->addResource(QTextDocument::ImageResource, QUrl(fileName), cached->second);
+    document->addResource(QTextDocument::ImageResource, QUrl(fileName), picture);
     document->markContentsDirty(0, document->characterCount());
 }
 
 void BannerService::OpenBannerLink(const QUrl& link) {
-    // The default banner's link is a path beside the program; the page it
-    // sits in is the local temp.htm, so relative links resolve against it.
-    desktop_.OpenUrl(view_ ? view_->source().resolved(link) : link);
+    // The default banner's link is a page beside the program; any other
+    // link is followed only onto the web. The page the links sit in is the
+    // local temp.htm, so relative links resolve against it.
+    const QUrl target = view_ ? view_->source().resolved(link) : link;
+    if (IsWebUrl(target) || target == QUrl::fromLocalFile(config_.FindFile(DefaultLink())))
+        desktop_.OpenUrl(target);
 }
 
 bool BannerService::SmallWindow() const {

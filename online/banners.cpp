@@ -1,25 +1,17 @@
 #include "online/banners.h"
 
-#include <algorithm>
 #include <stdexcept>
 
 namespace felthawk {
 
-namespace {
-
-bool SameKey(const QString& a, const QString& b) {
-    return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
-}  // namespace
-
 Banner& Banners::Add(const QString& sKey) {
-    if (!sKey.isEmpty() && std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) {
-            return SameKey(entry.key, sKey);
-        }))
+    const QString key = sKey.toLower();
+    if (!key.isEmpty() && byKey_.contains(key))
         throw std::invalid_argument("banner key used twice: " + sKey.toStdString());
     entries_.push_back({sKey, std::make_unique<Banner>()});
-    return *entries_.back().banner;
+    Banner& banner = *entries_.back().banner;
+    if (!key.isEmpty()) byKey_.insert(key, &banner);
+    return banner;
 }
 
 Banner& Banners::Item(int index) {
@@ -29,16 +21,16 @@ Banner& Banners::Item(int index) {
 }
 
 Banner& Banners::Item(const QString& key) {
-    const auto found = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& entry) {
-        return !entry.key.isEmpty() && SameKey(entry.key, key);
-    });
-    if (found == entries_.end()) throw std::out_of_range("no banner " + key.toStdString());
-    return *found->banner;
+    Banner* banner = key.isEmpty() ? nullptr : byKey_.value(key.toLower());
+    if (!banner) throw std::out_of_range("no banner " + key.toStdString());
+    return *banner;
 }
 
 void Banners::Remove(int index) {
     Item(index);
-    entries_.erase(entries_.begin() + (index - 1));
+    const auto at = entries_.begin() + (index - 1);
+    byKey_.remove(at->key.toLower());
+    entries_.erase(at);
 }
 
 Banners::Enumerator Banners::begin() const {

@@ -1,6 +1,7 @@
 // The banners of the advertising strip and the collection that holds them.
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <QtGlobal>
 #include <memory>
@@ -22,8 +23,9 @@ class Banner {
 
 // A keyed collection of banners, numbered from 1 like the collections the
 // program's forms always used. Keys are optional, unique and compared
-// without regard to case. A bad position or key, or a key used twice,
-// throws std::out_of_range or std::invalid_argument.
+// without regard to case; a key is found without a walk over the list. A bad
+// position or key, or a key used twice, throws std::out_of_range or
+// std::invalid_argument.
 class Banners {
   public:
     // A new banner, stored last, under `sKey` unless that is "".
@@ -44,6 +46,8 @@ class Banners {
         std::unique_ptr<Banner> banner;
     };
     std::vector<Entry> entries_;
+    // The keyed banners by their key in lower case.
+    QHash<QString, Banner*> byKey_;
 
   public:
     class Enumerator {

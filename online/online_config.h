@@ -1,6 +1,5 @@
 // Where the online services look: the server, the folder the program writes
-// its working files to, the folders its read-only files come from, and how
-// long a fetch may block the window.
+// its working files to, and the folders its read-only files come from.
 #pragma once
 
 #include <QString>
@@ -19,8 +18,6 @@ struct OnlineConfig {
     // Folders searched, after programFolder, for the files the program only
     // reads (the default banner and its page).
     QStringList dataFolders;
-    // A dead server must not freeze the window: no fetch blocks longer.
-    int fetchTimeoutMs = 10000;
 
     // The deployment default, the FELTHAWK_SERVER environment variable over
     // it, the per-user application data folder and the installed data.

@@ -1,33 +1,13 @@
 #include "online/xml_document.h"
 
-#include <QFile>
 #include <QStringList>
-#include <QUrl>
 #include <QXmlStreamReader>
 
 #include <algorithm>
 
-#include "online/transfer.h"
-
 namespace felthawk {
 
 namespace {
-
-void AppendText(const XmlNode& node, QString& out) {
-    if (node.kind != XmlNode::Kind::Element) {
-        out += node.value;
-        return;
-    }
-    for (const XmlNode& child : node.childNodes) {
-        if (child.kind == XmlNode::Kind::Element || child.kind == XmlNode::Kind::Text)
-            AppendText(child, out);
-    }
-}
-
-bool IsRemote(const QUrl& url) {
-    const QString scheme = url.scheme().toLower();
-    return scheme == u"http" || scheme == u"https" || scheme == u"ftp";
-}
 
 // The elements named `name` among `nodes`, in order, appended to `out`.
 void CollectElements(const std::vector<XmlNode>& nodes, const QString& name,
@@ -40,8 +20,21 @@ void CollectElements(const std::vector<XmlNode>& nodes, const QString& name,
 }  // namespace
 
 QString XmlNode::Text() const {
+    // Depth first, in document order, with a stack of our own.
     QString out;
-    AppendText(*this, out);
+    std::vector<const XmlNode*> pending{this};
+    while (!pending.empty()) {
+        const XmlNode* node = pending.back();
+        pending.pop_back();
+        if (node->kind != Kind::Element) {
+            out += node->value;
+            continue;
+        }
+        for (auto child = node->childNodes.rbegin(); child != node->childNodes.rend(); ++child) {
+            if (child->kind == Kind::Element || child->kind == Kind::Text)
+                pending.push_back(&*child);
+        }
+    }
     return out.trimmed();
 }
 
@@ -63,6 +56,7 @@ bool XmlDocument::LoadXml(const QByteArray& bytes) {
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
             case QXmlStreamReader::StartElement: {
+                if (open.size() >= kMaxXmlDepth) return false;
                 XmlNode element;
                 element.name = reader.qualifiedName().toString();
                 for (const QXmlStreamAttribute& attribute : reader.attributes())
@@ -102,21 +96,6 @@ bool XmlDocument::LoadXml(const QByteArray& bytes) {
     if (reader.hasError() || !hasRoot) return false;
     top_ = std::move(top);
     return true;
-}
-
-bool XmlDocument::Load(const QString& source, Inet& inet) {
-    top_.clear();
-    const QUrl url(source);
-    if (IsRemote(url)) {
-        try {
-            return LoadXml(inet.OpenURL(source));
-        } catch (const TransferError&) {
-            return false;
-        }
-    }
-    QFile file(url.isLocalFile() ? url.toLocalFile() : source);
-    if (!file.open(QIODevice::ReadOnly)) return false;
-    return LoadXml(file.readAll());
 }
 
 const XmlNode* XmlDocument::selectSingleNode(const QString& path) const {

@@ -4,13 +4,15 @@
 // order the server wrote is the order kept here.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <utility>
 #include <vector>
 
 namespace felthawk {
 
-class Inet;
+// Deeper documents are refused: nothing the server sends nests this far.
+inline constexpr int kMaxXmlDepth = 64;
 
 struct XmlNode {
     enum class Kind { Element, Text, Comment, ProcessingInstruction, DocumentType };
@@ -31,11 +33,9 @@ struct XmlNode {
 
 class XmlDocument {
   public:
-    // Reads the document from an http, https or ftp URL through `inet`, or
-    // else from a local path or file URL. False, with an empty document, when
-    // it cannot be fetched or is not well-formed XML.
-    bool Load(const QString& source, Inet& inet);
-    // Parses `bytes`; false, with an empty document, when malformed.
+    // Parses `bytes`; false, with an empty document, when malformed or
+    // nested deeper than kMaxXmlDepth elements. The parse keeps its own
+    // stack of open elements and never recurses on the document's depth.
     bool LoadXml(const QByteArray& bytes);
 
     // The nodes at the top of the document: the root element and any comment

@@ -38,12 +38,17 @@ QString QtDialogs::InputBox(QWidget* parent, const QString& prompt, const QStrin
 void QtDialogs::MessageBox(QWidget* parent, const QString& text, const QString& title,
                            MessageIcon icon) {
     QMessageBox box(ToQtIcon(icon), title, text, QMessageBox::Ok, parent);
+    // Texts may come from a server: they are shown as they are, never as markup.
+    box.setTextFormat(Qt::PlainText);
     box.exec();
 }
 
 bool QtDialogs::AskYesNo(QWidget* parent, const QString& text, const QString& title) {
-    return QMessageBox::question(parent, title, text, QMessageBox::Yes | QMessageBox::No,
-                                 QMessageBox::Yes) == QMessageBox::Yes;
+    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::Yes | QMessageBox::No,
+                    parent);
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setTextFormat(Qt::PlainText);
+    return box.exec() == QMessageBox::Yes;
 }
 
 }  // namespace felthawk

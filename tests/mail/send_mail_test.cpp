@@ -4,6 +4,7 @@
 #include "mail/send_mail.h"
 
 #include <memory>
+#include <optional>
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -14,6 +15,7 @@
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QPushButton>
@@ -67,6 +69,9 @@ QHostAddress LoopbackFor(quint32 second) {
     return QHostAddress((127u << 24) | (second << 16) | pid);
 }
 
+// A refusal that would be a link if it were read as markup.
+constexpr char kMarkupRefusal[] = R"(5.7.1 <a href="file:///usr/bin/xterm">click</a> <b>now</b>)";
+
 // Names under .test not given to dnsmasq do not exist; nothing listens at
 // `dead`; the silent server accepts connections and never speaks.
 struct LoopbackMail {
@@ -74,7 +79,8 @@ struct LoopbackMail {
         smtp.start(
             QString::fromLatin1(FELTHAWK_TEST_PYTHON),
             {FELTHAWK_TEST_SMTP_SINK, folder.path(), "--reply", "refuse.test", "550",
-             "5.1.1 No such user here", "--reply", "later.test", "451", "4.3.2 Try again later"});
+             "5.1.1 No such user here", "--reply", "later.test", "451", "4.3.2 Try again later",
+             "--reply", "markup.test", "550", kMarkupRefusal});
         const QByteArray ready = WaitForLine(smtp, QProcess::StandardOutput, "PORT ");
         if (ready.isEmpty()) return "the SMTP sink did not start: " + smtp.readAllStandardError();
         smtpPort = static_cast<quint16>(ready.mid(5).toUInt());
@@ -102,6 +108,7 @@ struct LoopbackMail {
             {"dead.test", "dead.dead.test", "10", dead},
             {"refuse.test", "mx.refuse.test", "10", live},
             {"later.test", "mx.later.test", "10", live},
+            {"markup.test", "mx.markup.test", "10", live},
             {"silent.test", "mx.silent.test", "10", silentAddress.toString()},
         };
         for (const auto& [domain, exchanger, preference, address] : exchangers)
@@ -448,6 +455,31 @@ TEST_F(SendToFriendForm, CancelOrCloseStopsTheAttemptAtOnce) {
         EXPECT_FALSE(form_->isVisible());
         EXPECT_EQ(form_->result(), QDialog::Rejected);
     }
+}
+
+TEST_F(SendToFriendForm, TheServersWordsShowAsTheyAreNotAsMarkup) {
+    QtDialogs real;
+    form_ = std::make_unique<frmSendEmailtoFriend>(real, world->Settings());
+    form_->show();
+    Fill("ann@home.test", "bob@markup.test");
+    Message()->setPlainText("Hi");
+    std::optional<Qt::TextFormat> format;
+    QString text;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box || format) return;
+        format = box->textFormat();
+        text = box->text();
+        box->close();
+    });
+    poll.start(50);
+    Click("cmdSend");
+    ASSERT_TRUE(RunUntil([&] { return format.has_value(); }));
+    EXPECT_EQ(*format, Qt::PlainText);
+    EXPECT_TRUE(text.contains(QString::fromLatin1(kMarkupRefusal))) << text.toStdString();
+    EXPECT_EQ(Find<QLabel>("lblStatus")->textFormat(), Qt::PlainText);
+    EXPECT_TRUE(Status().contains(QString::fromLatin1(kMarkupRefusal)));
 }
 
 TEST(MailService, ShowsTheFormModalOverTheBoard) {

@@ -46,6 +46,7 @@ bench: build
 	$(BUILD_DIR)/bench/felthawk_capture_bench --wm=openbox --depth=24
 	$(BUILD_DIR)/bench/felthawk_capture_bench --wm=openbox --depth=16
 	$(BUILD_DIR)/bench/felthawk_store_bench --benchmark_repetitions=3 --benchmark_report_aggregates_only=true
+	$(BUILD_DIR)/bench/felthawk_online_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
 	bash bench/calc_batch_bench.sh $(BUILD_DIR)
 	bash bench/equity_bench.sh $(BUILD_DIR)
 

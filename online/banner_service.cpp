@@ -9,6 +9,7 @@
 #include <QTextDocument>
 #include <QTimer>
 #include <QUrl>
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 #include <utility>
@@ -105,13 +106,14 @@ void BannerService::ListArrived(const TransferResult& answer) {
     XmlDocument document;
     if (answer.ok) document.LoadXml(answer.body);
     bool complete = true;
+    bool fault = false;
     try {
         ReadBannerList(document, banners_);
     } catch (const MissingNode&) {
         complete = false;
     } catch (const std::exception&) {
         // A bad Duration: the strip stays off.
-        return;
+        fault = true;
     }
     // A picture or a link from the server is used only when it is on the
     // web: a local file, a share or a script is not the server's to name.
@@ -124,6 +126,7 @@ void BannerService::ListArrived(const TransferResult& answer) {
             }
         }
     }
+    if (fault) return;
     if (!complete) {
         // Nothing loaded, or a banner short of its fields: the default banner
         // stands in. Its key may clash with a banner read before the gap;

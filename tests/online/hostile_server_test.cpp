@@ -101,10 +101,10 @@ const char* const kNotWeb[] = {
 
 QByteArray HostileValues() {
     QByteArray list = "<b>";
-    for (const char* value : kNotWeb) list += Banner("http://pic.example/a.gif", value);
+    for (const char* value : kNotWeb) list += Banner("SERVER/pics/a.gif", value);
     for (const char* value : kNotWeb) list += Banner(value, "http://link.example/");
     // A web address that tries to close the attribute it stands in.
-    list += Banner(R"(http://pic.example/"><img src="file:///etc/passwd)",
+    list += Banner(R"(SERVER/pics/"><img src="file:///etc/passwd)",
                    R"(http://link.example/"><a href="file:///usr/bin/xterm">)");
     return list + "</b>";
 }
@@ -135,8 +135,8 @@ std::ostream& operator<<(std::ostream& out, const Case& c) {
 const QString kVersion = QString::fromLatin1(kVersionPath);
 const QString kList = QString::fromLatin1(kBannerListPath);
 const QString kInstallerAt = QString::fromLatin1(kInstallerPath);
-const QByteArray kTwoBanners = Banner("http://pic.example/a.gif", "http://a.example/") +
-                               Banner("http://pic.example/b.gif", "http://b.example/");
+const QByteArray kTwoBanners = Banner("SERVER/pics/a.gif", "http://a.example/") +
+                               Banner("SERVER/pics/b.gif", "http://b.example/");
 
 const Case kCases[] = {
     {"VersionFile400000Deep",

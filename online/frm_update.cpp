@@ -56,19 +56,16 @@ void frmUpdate::Activate() {
 }
 
 void frmUpdate::Execute() {
-    const QString title = QString::fromLatin1(kMessageTitle);
     // Without a published digest no download could be trusted: none is made.
     if (digest_.isEmpty()) {
-        dialogs_.MessageBox(this, QString::fromLatin1(kNotVerified), title,
-                            MessageIcon::Information);
+        Tell(kNotVerified);
         return Finish(false);
     }
     file_ = std::make_unique<QSaveFile>(
         QDir(config_.programFolder).filePath(QString::fromLatin1(kInstallerName)));
     if (!QDir().mkpath(config_.programFolder) || !file_->open(QIODevice::WriteOnly)) {
         file_.reset();
-        dialogs_.MessageBox(this, QString::fromLatin1(kUnexpected), title,
-                            MessageIcon::Information);
+        Tell(kUnexpected);
         return Finish(false);
     }
     hash_.reset();
@@ -90,41 +87,38 @@ void frmUpdate::ShowProgress(qint64 received, qint64 total) {
 
 void frmUpdate::Downloaded(const TransferResult& answer) {
     cmdCancel->setEnabled(false);
-    if (answer.cancelled) {
-        file_.reset();
-        return Finish(false);
-    }
-    const bool kept = answer.ok && Keep();
     if (!answer.ok) {
         file_.reset();
-        dialogs_.MessageBox(this, QString::fromLatin1(kTransferFailed),
-                            QString::fromLatin1(kMessageTitle), MessageIcon::Information);
+        // A Cancel is the user's own doing: nothing to say.
+        if (!answer.cancelled) Tell(kTransferFailed);
+        return Finish(false);
     }
-    if (!kept) return Finish(false);
-    dialogs_.MessageBox(this, QString::fromLatin1(kClosing), QString::fromLatin1(kMessageTitle),
-                        MessageIcon::Information);
+    if (!Keep()) return Finish(false);
+    Tell(kClosing);
     desktop_.OpenUrl(QUrl::fromLocalFile(
         QDir(config_.programFolder).filePath(QString::fromLatin1(kInstallerName))));
     Finish(true);
 }
 
 bool frmUpdate::Keep() {
-    const QString title = QString::fromLatin1(kMessageTitle);
     const bool verified = hash_.result().toHex() == digest_;
     // Until commit the bytes are in a temporary file; without it they vanish.
     std::unique_ptr<QSaveFile> file = std::move(file_);
     if (!verified) {
         file->cancelWriting();
-        dialogs_.MessageBox(this, QString::fromLatin1(kNotVerified), title,
-                            MessageIcon::Information);
+        Tell(kNotVerified);
         return false;
     }
     if (!file->commit()) {
-        dialogs_.MessageBox(this, QString::fromLatin1(kTransferFailed), title,
-                            MessageIcon::Information);
+        Tell(kTransferFailed);
         return false;
     }
     return true;
+}
+
+void frmUpdate::Tell(const char* message) {
+    dialogs_.MessageBox(this, QString::fromLatin1(message), QString::fromLatin1(kMessageTitle),
+                        MessageIcon::Information);
 }
 
 void frmUpdate::Finish(bool installing) {

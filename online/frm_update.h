@@ -54,6 +54,7 @@ class frmUpdate : public QDialog {
     // the published one; says what went wrong otherwise.
     bool Keep();
     void ShowProgress(qint64 received, qint64 total);
+    void Tell(const char* message);
     // Closes the form; an installer on its way ends the program.
     void Finish(bool installing);
 

@@ -407,10 +407,11 @@ TEST_P(HostileServer, TheBoardLivesAnswersAndKeepsToItsFolder) {
         EXPECT_TRUE((*banners.List().begin()).Path.endsWith("/Default.gif"));
     }
     // Every picture and link kept is a web address or the default banner's.
+    const QString defaultFolder =
+        QFileInfo(config.FindFile(QStringLiteral("Default.gif"))).path() + u'/';
     for (const felthawk::Banner& banner : banners.List()) {
         for (const QString& value : {banner.Path, banner.SmallPath, banner.Reference}) {
-            EXPECT_TRUE(value.isEmpty() || IsWebAddress(value) ||
-                        value.startsWith(QStringLiteral(FELTHAWK_DEFAULT_BANNER_DIR)))
+            EXPECT_TRUE(value.isEmpty() || IsWebAddress(value) || value.startsWith(defaultFolder))
                 << value.toStdString();
         }
     }
